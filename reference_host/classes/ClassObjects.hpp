@@ -1,0 +1,67 @@
+#ifndef ZM_REFERENCE_HOST_CLASSES_CLASS_OBJECTS_HPP
+#define ZM_REFERENCE_HOST_CLASSES_CLASS_OBJECTS_HPP
+
+#include "host/ClassDescriptors.hpp"
+#include "host/OwnedArray.hpp"
+#include "reference_host/Export.hpp"
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace reference_host {
+
+/// What host code and scripts do with classes and their instances: construct, call, read, assign.
+///
+/// Arguments are borrowed, results owned. Arguments are converted to the types that the method's
+/// signature declares; a wrong type, one too few or one too many is a host error that names class,
+/// method and argument (1-based, the object not counted). What a method throws comes out unchanged.
+///
+/// An instance method is one whose first declared input has the type of its own class; the object is
+/// passed there. Every other method is static: it can be called on the class and on an object, and the
+/// object is not passed. The method named like its class is the constructor and only `construct`
+/// reaches it.
+///
+/// Class names are full names. Main thread only.
+class ZM_REFERENCE_HOST_API ClassObjects {
+public:
+    ClassObjects() = delete;
+
+    using Arguments = std::vector<const nvArray*>;
+    using Results = std::vector<OwnedArray>;
+
+    /// Asks for as many outputs as the method declares.
+    static constexpr int AllOutputs = -1;
+
+    /// A 1-by-1 object. A class without a constructor takes no arguments.
+    static OwnedArray construct(const std::string& className, const Arguments& arguments = {});
+
+    /// Calls a method of a 1-by-1 object. Asking for more outputs than are declared is a host error;
+    /// those not asked for are freed. One result for each output asked for: null where the method gave
+    /// none, the empty value where it gave a null object.
+    static Results callMethod(const nvArray* object, const std::string& method,
+                              const Arguments& arguments = {}, int outputCount = AllOutputs);
+
+    /// Calls a static method of a class.
+    static Results callStatic(const std::string& className, const std::string& method,
+                              const Arguments& arguments = {}, int outputCount = AllOutputs);
+
+    /// The value of a property of object `index` (0-based); null when the property has none.
+    static OwnedArray getProperty(const nvArray* object, const std::string& property, std::size_t index = 0);
+
+    /// Assigns a copy of a value. Always reaches the property, whatever its access code says: who keeps
+    /// scripts to the code asks for it first (`ClassReflection`).
+    static void setProperty(nvArray* object, const std::string& property, const nvArray* value,
+                            std::size_t index = 0);
+
+    /// The full name of a class object's class; an error for any other value.
+    static std::string className(const nvArray* object);
+
+    /// An N-by-1 object array that refers to these instances, all of the one class; 0-by-0 for none.
+    static OwnedArray makeObjectArray(const std::string& className,
+                                      const std::vector<nvcos::COSInterfacePtr>& instances);
+};
+
+}  // namespace reference_host
+
+#endif
