@@ -1,0 +1,73 @@
+#ifndef ZM_DIAGRAM_MODEL_HPP
+#define ZM_DIAGRAM_MODEL_HPP
+
+#include "reference_host/Export.hpp"
+#include "reference_host/diagram/Block.hpp"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace reference_host {
+
+/// A diagram: an outermost system, which bears the model's name, and the blocks in it at every depth.
+/// Look-ups cost a hash look-up (by path: one a path component), whatever the size of the model.
+///
+/// Names are any text but the empty one, without "/" and ":", which part paths and ZIDs; two blocks
+/// of one system differ in name. A name that breaks this is a host error ("InvalidName",
+/// "DuplicateName") wherever one is given, and nothing has changed then. Main thread only.
+class ZM_REFHOST_API Model {
+public:
+    explicit Model(std::u16string name);
+    Model(const Model&) = delete;
+    Model& operator=(const Model&) = delete;
+    ~Model();
+
+    const std::u16string& name() const noexcept { return m_root.name(); }
+    Block& root() noexcept { return m_root; }
+    const Block& root() const noexcept { return m_root; }
+
+    /// The number of blocks at every depth, the outermost system not counted.
+    std::size_t blockCount() const noexcept { return m_byNumber.size(); }
+
+    /// Every block, in the order of the diagram: a system before what it holds.
+    std::vector<Block*> blocks() const;
+
+    /// Adds a block at the end of a system of this model and gives it its ZID and handle. A component
+    /// as its system is a host error ("InvalidSystem").
+    Block& add(Block& system, std::u16string name, BlockKind kind);
+
+    /// Gives a block another name. ZID and handle stay.
+    void rename(Block& block, std::u16string name);
+
+    /// Puts a block, with all that is in it, at the end of another system of this model. ZIDs and
+    /// handles stay; the connections that the block had in its old system are removed. A system that
+    /// is a component, or that is inside the block, is a host error ("InvalidSystem").
+    void move(Block& block, Block& system);
+
+    /// The block of a path without the model name ("Controller/Limiter"); null when there is none.
+    Block* findByPath(std::u16string_view path) const;
+
+    /// The block of a ZID, in full ("plant:12") or relative ("12"); null when there is none, or when
+    /// the ZID names another model.
+    Block* findByZid(std::string_view zid) const;
+
+    Block* findByNumber(std::uint32_t number) const;
+    Block* findByHandle(double handle) const;
+
+private:
+    friend class OpenModels;
+    void setName(std::u16string name);  // an open model is renamed by OpenModels, which knows the others
+
+    Block m_root;
+    std::uint32_t m_lastNumber = 0;
+    std::unordered_map<std::uint32_t, Block*> m_byNumber;
+    std::unordered_map<double, Block*> m_byHandle;
+};
+
+}  // namespace reference_host
+
+#endif
