@@ -1,0 +1,47 @@
+#ifndef ZM_REFERENCE_HOST_VALUES_DIMENSIONS_HPP
+#define ZM_REFERENCE_HOST_VALUES_DIMENSIONS_HPP
+
+#include "reference_host/Export.hpp"
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace reference_host {
+
+/// The sizes of a value, at least two of them. Trailing ones past the second are dropped; a single
+/// size N stands for N-by-1.
+class ZM_REFHOST_API Dimensions {
+public:
+    Dimensions(std::size_t rows, std::size_t columns) noexcept : m_rows(rows), m_columns(columns) {}
+
+    /// From a list as host/ passes it. An empty list stands for 1-by-1.
+    Dimensions(std::size_t count, const std::size_t* sizes);
+
+    Dimensions(const Dimensions& other);
+    Dimensions(Dimensions&&) noexcept = default;
+    Dimensions& operator=(const Dimensions&) = delete;
+    Dimensions& operator=(Dimensions&&) = delete;
+    ~Dimensions() = default;
+
+    std::size_t count() const noexcept { return m_more ? 2 + m_more->size() : 2; }
+    std::size_t operator[](std::size_t index) const noexcept;
+    std::vector<std::size_t> list() const;
+
+    /// The product of all sizes.
+    std::size_t elementCount() const noexcept { return m_elementCount; }
+
+    /// "2x3".
+    std::string text() const;
+
+private:
+    std::size_t m_rows;
+    std::size_t m_columns;
+    std::size_t m_elementCount = m_rows * m_columns;
+    std::unique_ptr<std::vector<std::size_t>> m_more;
+};
+
+}  // namespace reference_host
+
+#endif

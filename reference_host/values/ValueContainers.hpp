@@ -1,0 +1,37 @@
+#ifndef ZM_REFERENCE_HOST_VALUES_VALUE_CONTAINERS_HPP
+#define ZM_REFERENCE_HOST_VALUES_VALUE_CONTAINERS_HPP
+
+#include "reference_host/values/Value.hpp"
+
+#include <string>
+#include <vector>
+
+namespace reference_host {
+
+/// A struct array, or an array of the older struct-based object class; false for null.
+ZM_REFHOST_API bool isStruct(const nvArray* value);
+ZM_REFHOST_API bool isCell(const nvArray* value);
+
+/// The field names in order; none for null and other classes.
+ZM_REFHOST_API const std::vector<std::string>& fieldNames(const nvArray* value);
+
+/// The borrowed field; null when it does not exist or is unset, and for null and other classes. An
+/// element past the end is a host error.
+ZM_REFHOST_API const nvArray* field(const nvArray* value, std::size_t index, const char* name);
+
+/// Fills an unset field. The container holds the value when the operation returns normally; when it
+/// throws, the value ends with its owner.
+ZM_REFHOST_API void setField(nvArray* value, std::size_t index, const char* name, OwnedValue field);
+
+/// As `setField`; what the field held before ends.
+ZM_REFHOST_API void replaceField(nvArray* value, std::size_t index, const char* name, OwnedValue field);
+
+/// The borrowed value in a cell; null when it is unset, and for null and other classes.
+ZM_REFHOST_API const nvArray* cell(const nvArray* value, std::size_t index);
+
+/// Fills a cell; what it held before ends.
+ZM_REFHOST_API void setCell(nvArray* value, std::size_t index, OwnedValue element);
+
+}  // namespace reference_host
+
+#endif
