@@ -1,0 +1,97 @@
+#ifndef ZM_HMI_FOUNDATION_COLLECTION_BINDING_HPP
+#define ZM_HMI_FOUNDATION_COLLECTION_BINDING_HPP
+
+#include "hmi_foundation/HMIBasePI.hpp"
+#include "hmi_foundation/HMICOSMethodInfo.hpp"
+#include "hmi_foundation/HostErrors.hpp"
+#include "host/ClassDescriptors.hpp"
+#include "host/OwnedArray.hpp"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+/// What the bindings of a collection class have in common: how a method body reaches the collection, the
+/// record and the index among its inputs, how it hands over a result, and the properties every
+/// collection has. `Collection` is the native class behind the host class.
+namespace zm_hmi_foundation {
+
+/// The collection behind an input of the class's own type.
+template <class Collection>
+Collection& collectionOf(const nvcos::COSValue& object)
+{
+    Collection* collection = Collection::getFromNVArray(std::get<nvArray*>(object));
+    if (collection == nullptr) {
+        throw std::runtime_error("the object has no collection behind it");
+    }
+    return *collection;
+}
+
+/// A "uint32 scalar" input, 1-based, as an index into the collection. 0 throws "InvalidElementIndex".
+template <class Collection>
+std::size_t indexInto(const Collection& collection, const nvcos::COSValue& index)
+{
+    return toZeroBasedIndex(std::get<std::uint32_t>(index), collection.getCount());
+}
+
+/// Hands a host value over as the one result of a method; null reads as an empty value.
+inline void setResult(nvcos::COSValue& output, OwnedArray value)
+{
+    output = value.release();
+}
+
+/// Hands a descriptor to the class, which owns it once it has taken it.
+inline void addProperty(nvcos::COSClass* cosClass, std::unique_ptr<nvcos::COSPropInfo> property)
+{
+    cosClass->addProperty(property.get());
+    property.release();
+}
+
+inline void addMethod(nvcos::COSClass* cosClass, std::unique_ptr<nvcos::COSMethodInfo> method)
+{
+    cosClass->addMethod(method.get());
+    method.release();
+}
+
+/// "Count": the number of elements. Scripts read it; an assignment changes nothing.
+template <class Collection>
+class CollectionCountPI : public HMIBasePI {
+public:
+    explicit CollectionCountPI(const nvcos::COSClass* owner)
+        : HMIBasePI(owner, "Count", type_name::uint32Scalar, nvcos::COSPropAccess::ScriptReadOnly,
+                    ValueKind::Count)
+    {
+    }
+    nvcos::COSValue getValue(nvcos::COSInterface* instance) override
+    {
+        return static_cast<std::uint32_t>(static_cast<Collection*>(getInstanceData(instance))->getCount());
+    }
+    void setValue(nvcos::COSInterface* /*instance*/, nvcos::COSValue /*value*/) override {}
+};
+
+/// "Persistence": the struct array that is saved with the model; assigning one appends its elements.
+template <class Collection>
+class CollectionPersistencePI : public HMIBasePI {
+public:
+    explicit CollectionPersistencePI(const nvcos::COSClass* owner)
+        : HMIBasePI(owner, "Persistence", type_name::any, nvcos::COSPropAccess::ReadWrite,
+                    ValueKind::NewArray)
+    {
+    }
+    nvcos::COSValue getValue(nvcos::COSInterface* instance) override
+    {
+        return static_cast<Collection*>(getInstanceData(instance))->getPersistenceData().release();
+    }
+    void setValue(nvcos::COSInterface* instance, nvcos::COSValue value) override
+    {
+        static_cast<Collection*>(getInstanceData(instance))
+            ->setFromPersistenceData(std::get<nvArray*>(value));
+    }
+};
+
+}  // namespace zm_hmi_foundation
+
+#endif

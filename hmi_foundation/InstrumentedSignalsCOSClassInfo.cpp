@@ -1,0 +1,51 @@
+#include "hmi_foundation/InstrumentedSignalsCOSClassInfo.hpp"
+
+#include "hmi/InstrumentedSignals.hpp"
+#include "hmi_foundation/CollectionBinding.hpp"
+
+namespace zm_hmi_foundation {
+
+namespace {
+
+using zm_hmi::InstrumentedSignals;
+
+/// "Model": the model's name. Scripts read it; an assignment changes nothing.
+class SignalsModelPI final : public HMIBasePI {
+public:
+    explicit SignalsModelPI(const nvcos::COSClass* owner)
+        : HMIBasePI(owner, "Model", type_name::unicodeString, nvcos::COSPropAccess::ScriptReadOnly,
+                    ValueKind::Text)
+    {
+    }
+    nvcos::COSValue getValue(nvcos::COSInterface* instance) override
+    {
+        return static_cast<InstrumentedSignals*>(getInstanceData(instance))->getModelName();
+    }
+    void setValue(nvcos::COSInterface* /*instance*/, nvcos::COSValue /*value*/) override {}
+};
+
+using SignalsCountPI = CollectionCountPI<InstrumentedSignals>;
+using SignalsPersistencePI = CollectionPersistencePI<InstrumentedSignals>;
+
+}  // namespace
+
+void InstrumentedSignalsCOSClassInfo::initializeClass(nvcos::COSClass* cosClass,
+                                                      const nvcos::COSClient* /*client*/)
+{
+    addProperty(cosClass, std::make_unique<SignalsModelPI>(cosClass));
+    addProperty(cosClass, std::make_unique<SignalsCountPI>(cosClass));
+    addProperty(cosClass, std::make_unique<SignalsPersistencePI>(cosClass));
+    addInstrumentedSignalsMethods(cosClass);
+}
+
+void* InstrumentedSignalsCOSClassInfo::allocateInstance(nvcos::COSInterface* /*instance*/)
+{
+    return new InstrumentedSignals;
+}
+
+void InstrumentedSignalsCOSClassInfo::deallocateInstance(nvcos::COSInterface* /*instance*/, void* data)
+{
+    delete static_cast<InstrumentedSignals*>(data);
+}
+
+}  // namespace zm_hmi_foundation
