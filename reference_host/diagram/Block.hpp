@@ -1,9 +1,11 @@
-#ifndef ZM_DIAGRAM_BLOCK_HPP
-#define ZM_DIAGRAM_BLOCK_HPP
+#ifndef ZM_REFERENCE_HOST_DIAGRAM_BLOCK_HPP
+#define ZM_REFERENCE_HOST_DIAGRAM_BLOCK_HPP
 
 #include "reference_host/Export.hpp"
 #include "reference_host/diagram/Chart.hpp"
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -67,7 +69,10 @@ public:
     double handle() const noexcept { return m_handle; }
 
     /// The connectors of one kind in document order. Output port k (1-based) is `ports(Output)[k - 1]`.
-    const std::vector<Port>& ports(PortKind kind) const noexcept;
+    const std::vector<Port>& ports(PortKind kind) const noexcept
+    {
+        return m_ports[static_cast<std::size_t>(kind)];
+    }
     void addPort(PortKind kind, std::u16string name);
 
     /// What a system holds, in document order. A component has neither.
@@ -98,9 +103,7 @@ private:
     std::uint32_t m_number = 0;
     double m_handle = 0.0;
     std::u16string m_name;
-    std::vector<Port> m_outputs;
-    std::vector<Port> m_inputs;
-    std::vector<Port> m_others;
+    std::array<std::vector<Port>, 3> m_ports;  // by kind
     std::vector<std::unique_ptr<Block>> m_children;
     /// The children by name. The keys are views of the children's own names.
     std::unordered_map<std::u16string_view, Block*> m_childrenByName;

@@ -1,5 +1,5 @@
-#ifndef ZM_DIAGRAM_CHART_HPP
-#define ZM_DIAGRAM_CHART_HPP
+#ifndef ZM_REFERENCE_HOST_DIAGRAM_CHART_HPP
+#define ZM_REFERENCE_HOST_DIAGRAM_CHART_HPP
 
 #include "reference_host/Export.hpp"
 

@@ -1,5 +1,5 @@
-#ifndef ZM_DIAGRAM_MODEL_HPP
-#define ZM_DIAGRAM_MODEL_HPP
+#ifndef ZM_REFERENCE_HOST_DIAGRAM_MODEL_HPP
+#define ZM_REFERENCE_HOST_DIAGRAM_MODEL_HPP
 
 #include "reference_host/Export.hpp"
 #include "reference_host/diagram/Block.hpp"
@@ -40,12 +40,14 @@ public:
     /// as its system is a host error ("InvalidSystem").
     Block& add(Block& system, std::u16string name, BlockKind kind);
 
-    /// Gives a block another name. ZID and handle stay.
+    /// Gives a block another name. ZID and handle stay. A block of another model, and the outermost
+    /// system, is a host error ("InvalidBlock"), here and below.
     void rename(Block& block, std::u16string name);
 
     /// Puts a block, with all that is in it, at the end of another system of this model. ZIDs and
-    /// handles stay; the connections that the block had in its old system are removed. A system that
-    /// is a component, or that is inside the block, is a host error ("InvalidSystem").
+    /// handles stay; the connections that the block had in its old system are removed. A
+    /// component as the system is a host error ("InvalidSystem"), a system inside the block too
+    /// ("InvalidMove").
     void move(Block& block, Block& system);
 
     /// The block of a path without the model name ("Controller/Limiter"); null when there is none.

@@ -1,5 +1,5 @@
-#ifndef ZM_DIAGRAM_OPEN_MODELS_HPP
-#define ZM_DIAGRAM_OPEN_MODELS_HPP
+#ifndef ZM_REFERENCE_HOST_DIAGRAM_OPEN_MODELS_HPP
+#define ZM_REFERENCE_HOST_DIAGRAM_OPEN_MODELS_HPP
 
 #include "reference_host/Export.hpp"
 #include "reference_host/diagram/Model.hpp"

@@ -1,5 +1,5 @@
-#ifndef ZM_DIAGRAM_SSD_READER_HPP
-#define ZM_DIAGRAM_SSD_READER_HPP
+#ifndef ZM_REFERENCE_HOST_DIAGRAM_SSD_READER_HPP
+#define ZM_REFERENCE_HOST_DIAGRAM_SSD_READER_HPP
 
 #include "reference_host/Export.hpp"
 #include "reference_host/diagram/Model.hpp"

@@ -1,0 +1,65 @@
+#include "reference_host/diagram/DiagramErrors.hpp"
+
+#include "reference_host/calls/MessageCatalog.hpp"
+
+#include <array>
+#include <utility>
+
+namespace reference_host {
+
+namespace {
+
+struct Message {
+    const char* key;
+    const char* text;
+};
+
+constexpr std::array messages{
+    // files and documents
+    Message{"UnreadableFile", "{0}: {1}"},
+    Message{"InvalidDiagram", "{0}:{1}: {2}"},  // file, line, reason; the reasons follow
+    Message{"DocumentTypeRefused", "A document type is not accepted, because it may define entities."},
+    Message{"TooDeep", "Elements are nested more than {0} deep."},
+    Message{"TooLarge", "The document is larger than {0} bytes."},
+    Message{"NotWellFormed", "The document is not well-formed: {0}."},
+    Message{"NotADescription", "The outermost element is \"{0}\", not SSP's SystemStructureDescription."},
+    Message{"NoSystem", "The description has no System."},
+    Message{"SecondSystem", "The description has a second System."},
+    Message{"NameMissing", "A {0} has no name."},
+    // warnings
+    Message{"DanglingConnection", "{0}:{1}: {2}"},  // file, line, reason; the reasons follow
+    Message{"NoSuchElement", "A connection ends at \"{0}\", which \"{1}\" does not hold."},
+    Message{"NoSuchConnector", "A connection ends at connector \"{0}\", which \"{1}\" does not have."},
+    // names and places
+    Message{"InvalidName", "The name \"{0}\" {1}."},
+    Message{"DuplicateName", "The name \"{0}\" is taken in \"{1}\"."},
+    Message{"InvalidSystem", "\"{0}\" is not a system of the model \"{1}\"."},
+    Message{"InvalidBlock", "\"{0}\" is not a block of the model \"{1}\"."},
+    Message{"InvalidMove", "\"{0}\" cannot be moved into \"{1}\", which is inside it."},
+    Message{"InvalidChartBlock", "\"{0}\" cannot be given a chart: {1}."},
+    Message{"InvalidChartParent", "Number {0} is no state of the chart, so \"{1}\" cannot be put inside it."},
+    // open models
+    Message{"ModelAlreadyOpen", "A model named \"{0}\" is open already."},
+    Message{"ModelNotOpen", "No model named \"{0}\" is open."},
+    Message{"UnknownBlock", "No open model has the block \"{0}\" (ZID \"{1}\")."},
+    Message{"InvalidSignal", "{0} takes one signal, an object of class \"{1}\"."},
+};
+
+bool defineMessages()
+{
+    for (const Message& message : messages) {
+        MessageCatalog::define(diagramCatalog, message.key, message.text);
+    }
+    return true;
+}
+
+}  // namespace
+
+zmsvException diagramError(const char* key, std::vector<zmsvMessageArgument> arguments)
+{
+    [[maybe_unused]] static const bool areDefined = defineMessages();
+    const zmsvMessageId id(diagramCatalog, key, std::move(arguments));
+    return {id, MessageCatalog::text(id)};
+}
+
+}  // namespace reference_host

@@ -1,0 +1,18 @@
+#ifndef ZM_REFERENCE_HOST_DIAGRAM_DIAGRAM_ERRORS_HPP
+#define ZM_REFERENCE_HOST_DIAGRAM_DIAGRAM_ERRORS_HPP
+
+#include "host/Exceptions.hpp"
+
+#include <vector>
+
+namespace reference_host {
+
+/// The message catalog of everything that concerns diagrams.
+inline constexpr const char* diagramCatalog = "reference_host:diagram";
+
+/// A message of the diagram's catalog and its text; throw it, or report it as a warning.
+zmsvException diagramError(const char* key, std::vector<zmsvMessageArgument> arguments);
+
+}  // namespace reference_host
+
+#endif

@@ -1,0 +1,102 @@
+#include "reference_host/diagram/SsdConnections.hpp"
+
+#include "host/Text.hpp"
+#include "reference_host/diagram/DiagramErrors.hpp"
+
+#include <functional>
+#include <string_view>
+#include <utility>
+
+namespace reference_host {
+
+namespace {
+
+/// The connectors of a system and of its blocks, for look-up by name.
+class Connectors {
+public:
+    explicit Connectors(const Block& system)
+    {
+        insert(system);
+        for (const auto& child : system.children()) {
+            insert(*child);
+        }
+    }
+
+    bool has(const Block& block, std::u16string_view connector) const
+    {
+        return m_connectors.contains({&block, connector});
+    }
+
+private:
+    struct Connector {
+        const Block* block;
+        std::u16string_view name;
+        bool operator==(const Connector&) const = default;
+    };
+    struct Hash {
+        std::size_t operator()(const Connector& connector) const noexcept
+        {
+            constexpr std::size_t spread =
+                0x9E3779B97F4A7C15U;  // parts blocks whose connectors bear the same names
+            return std::hash<std::u16string_view>()(connector.name) ^
+                   (std::hash<const Block*>()(connector.block) * spread);
+        }
+    };
+
+    void insert(const Block& block)
+    {
+        for (const PortKind kind : {PortKind::Output, PortKind::Input, PortKind::Other}) {
+            for (const Port& port : block.ports(kind)) {
+                m_connectors.insert({&block, port.name});
+            }
+        }
+    }
+
+    std::unordered_set<Connector, Hash> m_connectors;
+};
+
+}  // namespace
+
+void SsdConnections::add(std::uint64_t line, ConnectionEnd start, ConnectionEnd end)
+{
+    m_entries.push_back({line, {std::move(start), std::move(end)}});
+}
+
+void SsdConnections::noteDictionary(std::u16string name)
+{
+    m_dictionaries.insert(std::move(name));
+}
+
+void SsdConnections::connect(Block& system, std::vector<SsdWarning>& warnings)
+{
+    if (m_entries.empty()) {
+        return;
+    }
+    const Connectors connectors(system);
+    const auto warn = [&warnings](std::uint64_t line, const char* key, const std::string& name,
+                                  const Block& place) {
+        warnings.push_back({line, diagramError(key, {name, toUtf8(place.path())}).what()});
+    };
+    const auto connectEnd = [&](ConnectionEnd& end, std::uint64_t line) {
+        if (m_dictionaries.contains(end.elementName)) {
+            return;
+        }
+        const std::string element = toUtf8(end.elementName);
+        end.element = element.empty() ? &system : system.child(end.elementName);
+        if (end.element == nullptr) {
+            warn(line, "NoSuchElement", element, system);
+            return;
+        }
+        end.elementName.clear();
+        if (!connectors.has(*end.element, end.connector)) {
+            warn(line, "NoSuchConnector", toUtf8(end.connector), *end.element);
+        }
+    };
+    for (Entry& entry : m_entries) {
+        connectEnd(entry.connection.start, entry.line);
+        connectEnd(entry.connection.end, entry.line);
+        system.addConnection(std::move(entry.connection));
+    }
+}
+
+}  // namespace reference_host

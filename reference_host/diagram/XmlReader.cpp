@@ -1,0 +1,169 @@
+#include "reference_host/diagram/XmlReader.hpp"
+
+#include "host/Exceptions.hpp"
+#include "reference_host/diagram/DiagramErrors.hpp"
+
+#include <expat.h>
+#include <exception>
+#include <istream>
+#include <memory>
+#include <type_traits>
+
+namespace reference_host {
+
+namespace {
+
+constexpr int chunkSize = 1 << 18;
+
+struct ParserDeleter {
+    void operator()(XML_Parser parser) const noexcept { XML_ParserFree(parser); }
+};
+using Parser = std::unique_ptr<std::remove_pointer_t<XML_Parser>, ParserDeleter>;
+
+/// One reading. The parser is C and must not be unwound: what a callback throws is kept, stops the
+/// parser and is thrown again when it has returned.
+class XmlReading {
+public:
+    XmlReading(const std::string& file, const XmlLimits& limits, XmlHandler& handler)
+        : m_file(file), m_limits(limits), m_handler(handler), m_parser(XML_ParserCreate(nullptr))
+    {
+        if (m_parser == nullptr) {
+            zmsvThrowOutOfMemory();
+        }
+        XML_SetUserData(m_parser.get(), this);
+        XML_SetElementHandler(m_parser.get(), &XmlReading::onBegin, &XmlReading::onEnd);
+        XML_SetStartDoctypeDeclHandler(m_parser.get(), &XmlReading::onDocumentType);
+    }
+
+    void read(std::istream& in)
+    {
+        bool isLast = false;
+        while (!isLast) {
+            void* chunk = XML_GetBuffer(m_parser.get(), chunkSize);
+            if (chunk == nullptr) {
+                zmsvThrowOutOfMemory();
+            }
+            in.read(static_cast<char*>(chunk), chunkSize);
+            if (in.bad()) {
+                throw diagramError("UnreadableFile", {m_file, std::string("Reading failed.")});
+            }
+            const auto count = static_cast<int>(in.gcount());
+            isLast = in.eof();
+            parse(count, isLast);
+        }
+    }
+
+private:
+    static void XMLCALL onBegin(void* self, const XML_Char* element, const XML_Char** attributes)
+    {
+        static_cast<XmlReading*>(self)->guarded([&](XmlReading& reading) {
+            reading.enter();
+            reading.m_handler.begin(element, XmlAttributes(attributes), reading.line());
+        });
+    }
+
+    static void XMLCALL onEnd(void* self, const XML_Char*)
+    {
+        static_cast<XmlReading*>(self)->guarded([](XmlReading& reading) {
+            --reading.m_depth;
+            reading.m_handler.end();
+        });
+    }
+
+    static void XMLCALL onDocumentType(void* self, const XML_Char*, const XML_Char*, const XML_Char*, int)
+    {
+        static_cast<XmlReading*>(self)->guarded(
+            [](XmlReading&) { throw diagramError("DocumentTypeRefused", {}); });
+    }
+
+    /// Also keeps out the callbacks that the parser still makes after it was stopped.
+    template <class Work>
+    void guarded(Work work) noexcept
+    {
+        if (m_failure) {
+            return;
+        }
+        try {
+            work(*this);
+        } catch (...) {
+            m_failure = std::current_exception();
+            m_failureLine = line();
+            XML_StopParser(m_parser.get(), XML_FALSE);
+        }
+    }
+
+    void enter()
+    {
+        if (++m_depth > m_limits.depth) {
+            throw diagramError("TooDeep", {std::uint64_t{m_limits.depth}});
+        }
+    }
+
+    void parse(int count, bool isLast)
+    {
+        m_bytes += static_cast<std::size_t>(count);
+        if (m_bytes > m_limits.bytes) {
+            refuse(line(), diagramError("TooLarge", {std::uint64_t{m_limits.bytes}}));
+        }
+        const XML_Status status = XML_ParseBuffer(m_parser.get(), count, isLast ? XML_TRUE : XML_FALSE);
+        if (m_failure) {
+            rethrow();
+        }
+        if (status != XML_STATUS_OK) {
+            refuseMalformed();
+        }
+    }
+
+    [[noreturn]] void rethrow() const
+    {
+        try {
+            std::rethrow_exception(m_failure);
+        } catch (const zmsvException& error) {
+            refuse(m_failureLine, error);
+        }
+    }
+
+    [[noreturn]] void refuseMalformed() const
+    {
+        const XML_Error error = XML_GetErrorCode(m_parser.get());
+        if (error == XML_ERROR_NO_MEMORY) {
+            zmsvThrowOutOfMemory();
+        }
+        refuse(line(), diagramError("NotWellFormed", {std::string(XML_ErrorString(error))}));
+    }
+
+    [[noreturn]] void refuse(std::uint64_t line, const zmsvException& reason) const
+    {
+        throw diagramError("InvalidDiagram", {m_file, line, std::string(reason.what())});
+    }
+
+    std::uint64_t line() const noexcept { return XML_GetCurrentLineNumber(m_parser.get()); }
+
+    const std::string& m_file;
+    const XmlLimits& m_limits;
+    XmlHandler& m_handler;
+    Parser m_parser;
+    std::size_t m_bytes = 0;
+    std::size_t m_depth = 0;
+    std::exception_ptr m_failure;
+    std::uint64_t m_failureLine = 0;
+};
+
+}  // namespace
+
+const char* XmlAttributes::find(std::string_view name) const noexcept
+{
+    for (const char* const* pair = m_list; *pair != nullptr; pair += 2) {
+        if (name == pair[0]) {
+            return pair[1];
+        }
+    }
+    return nullptr;
+}
+
+void readXml(std::istream& in, const std::string& file, const XmlLimits& limits, XmlHandler& handler)
+{
+    XmlReading(file, limits, handler).read(in);
+}
+
+}  // namespace reference_host
