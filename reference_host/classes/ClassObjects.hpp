@@ -2,8 +2,8 @@
 #define ZM_REFERENCE_HOST_CLASSES_CLASS_OBJECTS_HPP
 
 #include "host/ClassDescriptors.hpp"
-#include "host/OwnedArray.hpp"
 #include "reference_host/Export.hpp"
+#include "reference_host/values/Value.hpp"
 
 #include <cstddef>
 #include <string>
@@ -23,18 +23,18 @@ namespace reference_host {
 /// reaches it.
 ///
 /// Class names are full names. Main thread only.
-class ZM_REFERENCE_HOST_API ClassObjects {
+class ZM_REFHOST_API ClassObjects {
 public:
     ClassObjects() = delete;
 
     using Arguments = std::vector<const nvArray*>;
-    using Results = std::vector<OwnedArray>;
+    using Results = std::vector<OwnedValue>;
 
     /// Asks for as many outputs as the method declares.
     static constexpr int AllOutputs = -1;
 
     /// A 1-by-1 object. A class without a constructor takes no arguments.
-    static OwnedArray construct(const std::string& className, const Arguments& arguments = {});
+    static OwnedValue construct(const std::string& className, const Arguments& arguments = {});
 
     /// Calls a method of a 1-by-1 object. Asking for more outputs than are declared is a host error;
     /// those not asked for are freed. One result for each output asked for: null where the method gave
@@ -47,18 +47,16 @@ public:
                               const Arguments& arguments = {}, int outputCount = AllOutputs);
 
     /// The value of a property of object `index` (0-based); null when the property has none.
-    static OwnedArray getProperty(const nvArray* object, const std::string& property, std::size_t index = 0);
+    static OwnedValue getProperty(const nvArray* object, const std::string& property, std::size_t index = 0);
 
     /// Assigns a copy of a value. Always reaches the property, whatever its access code says: who keeps
     /// scripts to the code asks for it first (`ClassReflection`).
     static void setProperty(nvArray* object, const std::string& property, const nvArray* value,
                             std::size_t index = 0);
 
-    /// The full name of a class object's class; an error for any other value.
-    static std::string className(const nvArray* object);
-
-    /// An N-by-1 object array that refers to these instances, all of the one class; 0-by-0 for none.
-    static OwnedArray makeObjectArray(const std::string& className,
+    /// An N-by-1 object array that refers to these instances; 0-by-0 for none. An instance of another
+    /// class is a host error.
+    static OwnedValue makeObjectArray(const std::string& className,
                                       const std::vector<nvcos::COSInterfacePtr>& instances);
 };
 

@@ -42,13 +42,13 @@ struct ClassDescription {
 
 /// Describes a class by its full name; initializes it when that has not happened. A host error when
 /// there is no such class. Main thread only.
-ZM_REFERENCE_HOST_API ClassDescription describeClass(const std::string& className);
+ZM_REFHOST_API ClassDescription describeClass(const std::string& className);
 
 /// One property or method; none when the class lacks it.
-ZM_REFERENCE_HOST_API std::optional<PropertyDescription> describeProperty(const std::string& className,
-                                                                          const std::string& property);
-ZM_REFERENCE_HOST_API std::optional<MethodDescription> describeMethod(const std::string& className,
-                                                                      const std::string& method);
+ZM_REFHOST_API std::optional<PropertyDescription> describeProperty(const std::string& className,
+                                                                   const std::string& property);
+ZM_REFHOST_API std::optional<MethodDescription> describeMethod(const std::string& className,
+                                                               const std::string& method);
 
 }  // namespace reference_host
 

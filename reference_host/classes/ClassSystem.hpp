@@ -22,7 +22,7 @@ namespace reference_host {
 ///
 /// Names are full names, "Zelmar.HMI" or "Zelmar.HMI.SignalSpecification", unless said otherwise.
 /// Main thread only.
-class ZM_REFERENCE_HOST_API ClassSystem {
+class ZM_REFHOST_API ClassSystem {
 public:
     ClassSystem() = delete;
 

@@ -2,8 +2,8 @@
 #define ZM_REFERENCE_HOST_CLASSES_RECORD_CLASS_HPP
 
 #include "host/ClassDescriptors.hpp"
-#include "host/OwnedArray.hpp"
 #include "reference_host/Export.hpp"
+#include "reference_host/values/Value.hpp"
 
 #include <functional>
 #include <memory>
@@ -17,11 +17,11 @@ struct RecordProperty {
     /// Says why a value is refused, as the end of a sentence ("must be a struct or empty"); empty when
     /// it is taken.
     using Check = std::function<std::string(const nvArray* value)>;
-    using Compute = std::function<OwnedArray(const nvArray* object)>;
+    using Compute = std::function<OwnedValue(const nvArray* object)>;
 
     std::string name;
     std::string type;                         ///< a type name, as signatures use them
-    std::function<OwnedArray()> makeDefault;  ///< the value of a new object
+    std::function<OwnedValue()> makeDefault;  ///< the value of a new object
     Check check = nullptr;                    ///< what the type alone does not say; may be empty
     Compute compute = nullptr;                ///< set for a property that is read only and worked out on
                                               ///< each read; `makeDefault` is not used then
@@ -31,16 +31,16 @@ struct RecordProperty {
 /// nothing, or one struct with any of the properties as fields, each assigned in turn; a field that is
 /// no stored property is a host error that names it. `ClassSystem::contributeClass` puts it in a
 /// namespace.
-ZM_REFERENCE_HOST_API std::unique_ptr<nvcos::COSClassInfo> makeRecordClass(
-    std::string simpleName, std::vector<RecordProperty> properties);
+ZM_REFHOST_API std::unique_ptr<nvcos::COSClassInfo> makeRecordClass(std::string simpleName,
+                                                                    std::vector<RecordProperty> properties);
 
 /// A property with the usual default: empty text, the number, the flag, the empty value.
-ZM_REFERENCE_HOST_API RecordProperty textProperty(std::string name);
-ZM_REFERENCE_HOST_API RecordProperty numberProperty(std::string name, double value = 0.0);
-ZM_REFERENCE_HOST_API RecordProperty flagProperty(std::string name, bool value = false);
-ZM_REFERENCE_HOST_API RecordProperty anyProperty(std::string name, RecordProperty::Check check = nullptr);
-ZM_REFERENCE_HOST_API RecordProperty computedProperty(std::string name, std::string type,
-                                                      RecordProperty::Compute compute);
+ZM_REFHOST_API RecordProperty textProperty(std::string name);
+ZM_REFHOST_API RecordProperty numberProperty(std::string name, double value = 0.0);
+ZM_REFHOST_API RecordProperty flagProperty(std::string name, bool value = false);
+ZM_REFHOST_API RecordProperty anyProperty(std::string name, RecordProperty::Check check = nullptr);
+ZM_REFHOST_API RecordProperty computedProperty(std::string name, std::string type,
+                                               RecordProperty::Compute compute);
 
 }  // namespace reference_host
 

@@ -12,7 +12,7 @@ namespace reference_host {
 /// one output port of one block, or one activity of a chart, as scripts describe it. Every property
 /// has a default, so that a script sets only what it needs; the cached block handle and port are empty
 /// until they are known.
-ZM_REFERENCE_HOST_API std::unique_ptr<nvcos::COSClassInfo> makeSignalSpecificationClass();
+ZM_REFHOST_API std::unique_ptr<nvcos::COSClassInfo> makeSignalSpecificationClass();
 
 }  // namespace reference_host
 
