@@ -1,6 +1,7 @@
 #ifndef ZM_HMI_SIGNAL_SPECIFICATION_FIELDS_HPP
 #define ZM_HMI_SIGNAL_SPECIFICATION_FIELDS_HPP
 
+#include "hmi/FieldTable.hpp"
 #include "hmi/SignalSpecification.hpp"
 
 #include <array>
@@ -36,11 +37,7 @@ struct SignalSpecification::Fields {
     };
     static constexpr std::size_t persistedCount = BindingRule;
 
-    struct Row {
-        const char* name;
-        OwnedArray (*write)(const SignalSpecification& record, const std::u16string& modelName);
-        void (*read)(SignalSpecification& record, const nvArray* value);
-    };
+    using Row = FieldRow<SignalSpecification>;
     static const std::array<Row, Count> table;
 };
 
