@@ -1,0 +1,76 @@
+/// What class constructors and static methods are to `zmsvFEVAL`: functions, named in full.
+
+#include "reference_host/calls/HostFunctions.hpp"
+#include "reference_host/classes/ClassError.hpp"
+#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/ClassRegistry.hpp"
+#include "reference_host/classes/Interning.hpp"
+
+#include <utility>
+
+namespace reference_host {
+
+namespace {
+
+ClassObjects::Arguments argumentsOf(const HostFunctionCall& call)
+{
+    return {call.inputs().begin(), call.inputs().end()};
+}
+
+void constructAsFunction(HostFunctionCall& call)
+{
+    if (call.outputCount() > 1) {
+        throwClassError("TooManyOutputs",
+                        call.functionName() + " gives 1 output, not " + std::to_string(call.outputCount()));
+    }
+    call.setOutput(0, ClassObjects::construct(call.functionName(), argumentsOf(call)));
+}
+
+void callStaticAsFunction(HostFunctionCall& call)
+{
+    const SplitName name(call.functionName());
+    ClassObjects::Results results = ClassObjects::callStatic(name.parent, name.simple, argumentsOf(call),
+                                                             static_cast<int>(call.outputCount()));
+    for (std::size_t i = 0; i < results.size(); ++i) {
+        call.setOutput(i, std::move(results[i]));
+    }
+}
+
+HostFunction findLoaded(const std::string& name)
+{
+    ClassRegistry& registry = ClassRegistry::instance();
+    if (registry.findClass(name) != nullptr) {
+        return constructAsFunction;
+    }
+    const SplitName split(name);
+    RegisteredClass* cosClass = registry.findClass(split.parent);
+    if (cosClass != nullptr && cosClass->findMethod(split.simple) != nullptr) {
+        return callStaticAsFunction;
+    }
+    return {};
+}
+
+HostFunction resolve(const std::string& name)
+{
+    const SplitName split(name);
+    if (split.parent.empty()) {
+        return {};
+    }
+    HostFunction function = findLoaded(name);
+    Namespace* home = function ? nullptr : ClassRegistry::instance().findNamespace(split.parent);
+    if (home != nullptr && home->info() != nullptr &&
+        home->info()->attemptToLoadFunction(home, intern(split.simple.c_str()))) {
+        function = findLoaded(name);
+    }
+    return function;
+}
+
+/// Runs when the host is loaded, before anybody can call a function.
+[[maybe_unused]] const bool resolverIsSet = [] {
+    HostFunctions::setResolver(resolve);
+    return true;
+}();
+
+}  // namespace
+
+}  // namespace reference_host

@@ -1,0 +1,166 @@
+#include "reference_host/classes/MethodCall.hpp"
+
+#include "reference_host/classes/ClassError.hpp"
+#include "reference_host/classes/LibraryCall.hpp"
+#include "reference_host/classes/Types.hpp"
+#include "reference_host/classes/ValueConversion.hpp"
+#include "reference_host/values/ValueMaking.hpp"
+
+#include <algorithm>
+#include <utility>
+
+namespace reference_host {
+
+/// The slots that a method fills. What is written into them is the host's; what nobody takes ends here.
+class MethodCall::Outputs {
+public:
+    explicit Outputs(std::size_t count) : m_slots(count) {}
+    Outputs(const Outputs&) = delete;
+    Outputs& operator=(const Outputs&) = delete;
+    ~Outputs()
+    {
+        for (std::size_t i = 0; i < m_slots.size(); ++i) {
+            try {
+                take(i);
+            } catch (const std::exception&) {
+                continue;  // a value that was not the method's to give; the ledger has counted it
+            }
+        }
+    }
+
+    std::size_t size() const noexcept { return m_slots.size(); }
+    nvcos::COSValue* data() noexcept { return m_slots.data(); }
+
+    OwnedValue take(std::size_t index)
+    {
+        const nvcos::COSValue slot = std::exchange(m_slots[index], {});
+        if (nvArray* const* value = std::get_if<nvArray*>(&slot)) {
+            return *value != nullptr ? adopt(*value) : makeEmptyValue();
+        }
+        return makeValue(slot);
+    }
+
+private:
+    static OwnedValue adopt(nvArray* value)
+    {
+        requireOwned(value);
+        return OwnedValue(value);
+    }
+
+    std::vector<nvcos::COSValue> m_slots;
+};
+
+MethodCall::MethodCall(const RegisteredClass& cosClass, const RegisteredClass::Method& method)
+    : m_class(cosClass),
+      m_method(method),
+      m_signature(signatureOf(cosClass, method)),
+      m_name(cosClass.fullName() + "." + method.name)
+{
+}
+
+MethodCall::Results MethodCall::run(const nvArray* object, const Arguments& arguments, int outputCount)
+{
+    const std::size_t wanted = resultCount(outputCount);
+    convertInputs(object, arguments);
+    Outputs outputs(m_signature.outputs().size());
+    invoke(static_cast<int>(wanted), outputs);
+    Results results;
+    results.reserve(wanted);
+    for (std::size_t i = 0; i < wanted; ++i) {
+        results.push_back(outputs.take(i));
+    }
+    return results;
+}
+
+void MethodCall::runConstructor(nvArray* object, const Arguments& arguments)
+{
+    convertInputs(nullptr, arguments);
+    const Loan loan(object);
+    Outputs outputs(std::max<std::size_t>(m_signature.outputs().size(), 1));
+    outputs.data()[0] = object;
+    invoke(1, outputs);
+    const nvcos::COSValue left = std::exchange(outputs.data()[0], {});
+    nvArray* const* value = std::get_if<nvArray*>(&left);
+    if (value == nullptr || *value != object) {
+        throwClassError("ObjectReplaced",
+                        "the constructor " + m_name + " put another value in its object's place",
+                        {m_class.fullName(), m_method.name});
+    }
+}
+
+std::size_t MethodCall::resultCount(int outputCount) const
+{
+    const std::size_t declared = m_signature.outputs().size();
+    if (outputCount == ClassObjects::AllOutputs) {
+        return declared;
+    }
+    if (outputCount < 0 || static_cast<std::size_t>(outputCount) > declared) {
+        throwClassError(
+            "TooManyOutputs",
+            m_name + " gives " + std::to_string(declared) + " output(s), not " + std::to_string(outputCount),
+            {m_class.fullName(), m_method.name});
+    }
+    return static_cast<std::size_t>(outputCount);
+}
+
+void MethodCall::convertInputs(const nvArray* object, const Arguments& arguments)
+{
+    const std::size_t objects = object != nullptr ? 1 : 0;
+    checkArgumentCount(arguments.size(), objects);
+    Arguments all;
+    all.reserve(arguments.size() + objects);
+    all.insert(all.end(), objects, object);
+    all.insert(all.end(), arguments.begin(), arguments.end());
+    m_inputs.resize(all.size());
+    m_loans.reserve(all.size());
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        const std::string complaint = convertToType(all[i], *m_signature.inputs()[i], m_inputs[i]);
+        if (!complaint.empty()) {
+            throwArgumentError("WrongArgument", i + 1 - objects, complaint);
+        }
+        m_loans.emplace_back(all[i]);
+    }
+}
+
+void MethodCall::checkArgumentCount(std::size_t count, std::size_t objects) const
+{
+    const std::size_t declared = m_signature.inputs().size();
+    if (count + objects < m_signature.requiredInputs()) {
+        const std::size_t missing = count + objects;
+        throwArgumentError("TooFewArguments", count + 1,
+                           "is missing (" + m_signature.inputs()[missing]->name + ")");
+    }
+    if (count + objects > declared) {
+        throwArgumentError(
+            "TooManyArguments", declared - objects + 1,
+            "is one too many: at most " + std::to_string(declared - objects) + " can be given");
+    }
+}
+
+void MethodCall::throwArgumentError(const char* key, std::size_t position, const std::string& why) const
+{
+    throwClassError(key, m_name + ": argument " + std::to_string(position) + " " + why,
+                    {m_class.fullName(), m_method.name, std::uint64_t{position}});
+}
+
+/// The count that the body leaves may be too small; what it wrote is taken all the same.
+void MethodCall::invoke(int outputCount, Outputs& outputs) const
+{
+    const auto body = [&] {
+        m_method.info->invoke(hostClient(), outputCount, outputs.data(), static_cast<int>(m_inputs.size()),
+                              m_inputs.data());
+    };
+    if (m_class.isLibraryClass()) {
+        callLibrary("invoke", body, m_name, m_inputs.size(), outputCount);
+    } else {
+        body();
+    }
+    if (outputCount < 0 || static_cast<std::size_t>(outputCount) > outputs.size()) {
+        throwClassError("BadOutputCount",
+                        m_name + " says that it gives " + std::to_string(outputCount) +
+                            " outputs; it declares " + std::to_string(outputs.size()),
+                        {m_class.fullName(), m_method.name});
+    }
+}
+
+}  // namespace reference_host

@@ -1,0 +1,175 @@
+#include "reference_host/classes/RegisteredClass.hpp"
+
+#include "reference_host/calls/BoundaryCall.hpp"
+#include "reference_host/classes/ClassError.hpp"
+#include "reference_host/classes/DescribeClassArguments.hpp"
+#include "reference_host/classes/Instance.hpp"
+#include "reference_host/classes/LibraryCall.hpp"
+#include "reference_host/classes/Types.hpp"
+
+#include <algorithm>
+#include <utility>
+
+struct nvcos::COSClient {};
+
+namespace reference_host {
+
+namespace {
+
+template <class Members>
+auto* findByName(const Members& members, const std::string& name)
+{
+    const auto found = std::ranges::find(members, name, [](const auto& member) { return member.name; });
+    return found != members.end() ? &*found : nullptr;
+}
+
+bool isKnownAccess(int code)
+{
+    return code == static_cast<int>(nvcos::COSPropAccess::ReadWrite) ||
+           code == static_cast<int>(nvcos::COSPropAccess::ScriptReadOnly);
+}
+
+}  // namespace
+
+const nvcos::COSClient* hostClient()
+{
+    static const nvcos::COSClient client;
+    return &client;
+}
+
+RegisteredClass::RegisteredClass(std::string fullName, std::string simpleName, ClassOrigin origin)
+    : m_fullName(std::move(fullName)), m_simpleName(std::move(simpleName)), m_origin(origin)
+{
+}
+
+RegisteredClass::~RegisteredClass() = default;
+
+/// A name that a new member may have: given, and not taken by another member.
+void RegisteredClass::checkMemberName(const char* kind, const char* name) const
+{
+    if (name == nullptr || *name == '\0') {
+        throwClassError("NoName", "a " + std::string(kind) + " of class " + m_fullName + " has no name");
+    }
+    const bool taken = findByName(m_methods, name) != nullptr || findByName(m_properties, name) != nullptr;
+    if (taken) {
+        throwClassError("DuplicateMember", "class " + m_fullName + " has a member \"" + name +
+                                               "\" already; a second, a " + kind + ", was added");
+    }
+}
+
+void RegisteredClass::addProperty(nvcos::COSPropInfo* property)
+{
+    const char* name = property != nullptr ? property->getName() : nullptr;
+    BoundaryCall({"COSClass::addProperty"}, m_fullName, name).run([&] { insertProperty(property); });
+}
+
+void RegisteredClass::insertProperty(nvcos::COSPropInfo* property)
+{
+    const char* name = property != nullptr ? property->getName() : nullptr;
+    checkMemberName("property", name);
+    const std::string member = m_fullName + "." + name;
+    if (property->getType() == nullptr) {
+        throwClassError("NullType", "property " + member + " has no type");
+    }
+    if (!isKnownAccess(property->getAccess())) {
+        throwClassError("BadAccess", "property " + member + " has the unknown access code " +
+                                         std::to_string(property->getAccess()));
+    }
+    m_properties.push_back({name, nullptr});
+    m_properties.back().info.reset(property);
+}
+
+void RegisteredClass::addMethod(nvcos::COSMethodInfo* method)
+{
+    const char* name = method != nullptr ? method->getName() : nullptr;
+    BoundaryCall({"COSClass::addMethod"}, m_fullName, name).run([&] { insertMethod(method); });
+}
+
+void RegisteredClass::insertMethod(nvcos::COSMethodInfo* method)
+{
+    const char* name = method != nullptr ? method->getName() : nullptr;
+    checkMemberName("method", name);
+    if (method->getSignature() == nullptr) {
+        throwClassError("NoSignature", "method " + m_fullName + "." + name + " has no signature");
+    }
+    m_methods.push_back({name, nullptr});
+    m_methods.back().info.reset(method);
+}
+
+void* RegisteredClass::getInstanceData(const nvcos::COSInterface* instance) const noexcept
+{
+    const Operation operation("COSClass::getInstanceData", CanFail::Never);
+    return BoundaryCall(operation, instance).runNoThrow([&] {
+        return instance != nullptr ? Instance::of(*instance).data() : nullptr;
+    });
+}
+
+void RegisteredClass::initialize()
+{
+    if (m_state != State::Untouched) {
+        return;
+    }
+    m_state = State::Initializing;
+    try {
+        askForMembers();
+    } catch (...) {
+        m_methods.clear();
+        m_properties.clear();
+        m_state = State::Untouched;
+        throw;
+    }
+    m_state = State::Ready;
+}
+
+void RegisteredClass::askForMembers()
+{
+    const auto body = [this] { m_info->initializeClass(this, hostClient()); };
+    if (isLibraryClass()) {
+        callLibrary("initializeClass", body, m_fullName);
+    } else {
+        body();
+    }
+}
+
+const std::deque<RegisteredClass::Method>& RegisteredClass::methods()
+{
+    initialize();
+    return m_methods;
+}
+
+const std::deque<RegisteredClass::Property>& RegisteredClass::properties()
+{
+    initialize();
+    return m_properties;
+}
+
+const RegisteredClass::Method* RegisteredClass::findMethod(const std::string& name)
+{
+    return findByName(methods(), name);
+}
+
+const RegisteredClass::Property* RegisteredClass::findProperty(const std::string& name)
+{
+    return findByName(properties(), name);
+}
+
+bool RegisteredClass::isInstanceMethod(const Method& method) const
+{
+    const auto& inputs = signatureOf(*this, method).inputs();
+    return !isConstructor(method) && !inputs.empty() && inputs.front() == classType(m_fullName);
+}
+
+const MethodSignature& signatureOf(const RegisteredClass& cosClass, const RegisteredClass::Method& method)
+{
+    const auto* signature = dynamic_cast<const MethodSignature*>(method.info->getSignature());
+    if (signature == nullptr) {
+        throwClassError("NoSignature",
+                        "method " + cosClass.fullName() + "." + method.name + " has no signature");
+    }
+    return *signature;
+}
+
+}  // namespace reference_host
+
+nvcos::COSClass::COSClass() = default;
+nvcos::COSClass::~COSClass() = default;

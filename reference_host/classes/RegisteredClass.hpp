@@ -1,0 +1,94 @@
+#ifndef ZM_REFERENCE_HOST_CLASSES_REGISTERED_CLASS_HPP
+#define ZM_REFERENCE_HOST_CLASSES_REGISTERED_CLASS_HPP
+
+#include "host/ClassDescriptors.hpp"
+#include "reference_host/classes/MethodSignature.hpp"
+
+#include <cstddef>
+#include <deque>
+#include <memory>
+#include <string>
+
+namespace reference_host {
+
+/// Who the host says it is when it calls a class.
+const nvcos::COSClient* hostClient();
+
+/// Where a class comes from. What enters a library's class is journaled; the host's own is not.
+enum class ClassOrigin { Library, HostCode };
+
+/// A class in the tree: its descriptors, and how many instances live.
+///
+/// The members are asked for in `initialize`, on first use. When the class's `initializeClass` throws,
+/// the members it had added are deleted, the exception reaches the first user, and the next use asks
+/// again; once it returned it is never asked again. The class can be found while it is being
+/// initialized.
+class RegisteredClass final : public nvcos::COSClass {
+public:
+    struct Method {
+        std::string name;
+        std::unique_ptr<nvcos::COSMethodInfo> info;
+    };
+    struct Property {
+        std::string name;
+        std::unique_ptr<nvcos::COSPropInfo> info;
+    };
+
+    RegisteredClass(std::string fullName, std::string simpleName, ClassOrigin origin);
+    ~RegisteredClass() override;
+
+    /// Becomes the owner of the class's description.
+    void adopt(nvcos::COSClassInfo* info) noexcept { m_info.reset(info); }
+
+    void addProperty(nvcos::COSPropInfo* property) override;
+    void addMethod(nvcos::COSMethodInfo* method) override;
+    void* getInstanceData(const nvcos::COSInterface* instance) const noexcept override;
+
+    // The same for host code.
+    void insertProperty(nvcos::COSPropInfo* property);
+    void insertMethod(nvcos::COSMethodInfo* method);
+
+    void initialize();
+
+    const std::string& fullName() const noexcept { return m_fullName; }
+    const std::string& simpleName() const noexcept { return m_simpleName; }
+    bool isLibraryClass() const noexcept { return m_origin == ClassOrigin::Library; }
+    nvcos::COSClassInfo& info() const noexcept { return *m_info; }
+
+    /// The members, in the order of registration; initialize the class. A member stays where it is when
+    /// others are added.
+    const std::deque<Method>& methods();
+    const std::deque<Property>& properties();
+    const Method* findMethod(const std::string& name);
+    const Property* findProperty(const std::string& name);
+
+    const Method* constructor() { return findMethod(m_simpleName); }
+    bool isConstructor(const Method& method) const { return method.name == m_simpleName; }
+    bool isInstanceMethod(const Method& method) const;
+
+    void countInstance() noexcept { ++m_instances; }
+    void discountInstance() noexcept { --m_instances; }
+    std::size_t instances() const noexcept { return m_instances; }
+
+private:
+    void askForMembers();
+    void checkMemberName(const char* kind, const char* name) const;
+
+    enum class State { Untouched, Initializing, Ready };
+
+    std::string m_fullName;
+    std::string m_simpleName;
+    ClassOrigin m_origin;
+    std::unique_ptr<nvcos::COSClassInfo> m_info;
+    State m_state = State::Untouched;
+    std::deque<Method> m_methods;
+    std::deque<Property> m_properties;
+    std::size_t m_instances = 0;
+};
+
+/// The signature of a method; a host error that names both while there is none of the host's making.
+const MethodSignature& signatureOf(const RegisteredClass& cosClass, const RegisteredClass::Method& method);
+
+}  // namespace reference_host
+
+#endif
