@@ -25,9 +25,9 @@ Block* findByAnyZid(const std::string& zid, const std::u16string& path)
     return model == nullptr ? nullptr : model->findByZid(zid);
 }
 
-std::u16string textProperty(const nvArray* object, const char* name)
+std::u16string readText(const nvArray* object, const char* name)
 {
-    const OwnedValue value(ClassObjects::getProperty(object, name).release());
+    const OwnedValue value = ClassObjects::getProperty(object, name);
     return text(value.get());
 }
 
@@ -39,8 +39,8 @@ void getAlignedBlockPath(HostFunctionCall& call)
         throw diagramError("InvalidSignal", {call.functionName(), std::string(signalClass)});
     }
     const nvArray* signal = call.input(0);
-    call.setOutput(0, makeText(alignedBlockPath(toUtf8(textProperty(signal, "ZID_")),
-                                                textProperty(signal, "BlockPath_"))));
+    call.setOutput(
+        0, makeText(alignedBlockPath(toUtf8(readText(signal, "ZID_")), readText(signal, "BlockPath_"))));
 }
 
 }  // namespace

@@ -6,7 +6,7 @@ namespace reference_host {
 
 namespace {
 
-/// SSP 1.0 and the published 2.0 share the first; the second is what a later edition would be expected to
+/// The standard kept the first one for its version 2.0; the second is what its pattern would give.
 /// use.
 bool isDescriptionUri(std::string_view uri) noexcept
 {

@@ -129,7 +129,10 @@ private:
         if (error == XML_ERROR_NO_MEMORY) {
             zmsvThrowOutOfMemory();
         }
-        refuse(line(), diagramError("NotWellFormed", {std::string(XML_ErrorString(error))}));
+        const std::string reason = error == XML_ERROR_INVALID_TOKEN
+                                       ? "a character that is not allowed here, or bytes that are not UTF-8"
+                                       : XML_ErrorString(error);
+        refuse(line(), diagramError("NotWellFormed", {reason}));
     }
 
     [[noreturn]] void refuse(std::uint64_t line, const zmsvException& reason) const
