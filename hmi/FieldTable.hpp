@@ -4,6 +4,9 @@
 #include "hmi/Numbers.hpp"
 #include "host/OwnedArray.hpp"
 
+#include <algorithm>
+#include <array>
+#include <cstddef>
 #include <string>
 
 /// What the field tables of the records are made of: one row a field, and the conversions between a member
@@ -20,6 +23,16 @@ struct FieldRow {
     /// Takes the member from a host value, which may be null where the host's readers take null.
     void (*read)(Record& record, const nvArray* value);
 };
+
+/// The names of a table's fields, in its order.
+template <class Record, std::size_t Count>
+std::array<const char*, Count> fieldNames(const std::array<FieldRow<Record>, Count>& table)
+{
+    std::array<const char*, Count> names{};
+    std::transform(table.begin(), table.end(), names.begin(),
+                   [](const FieldRow<Record>& row) { return row.name; });
+    return names;
+}
 
 namespace field {
 

@@ -11,6 +11,7 @@
 #include <bitset>
 #include <cstddef>
 #include <list>
+#include <set>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
@@ -157,6 +158,46 @@ public:
     /// An element without a KZID or an activity has none.
     ZM_HMI_API std::vector<SignalSpecificationPtr> setDifference_kw(const InstrumentedSignals* other) const;
 
+    // ---- after edits: PortRenumbering.cpp ----
+
+    /// Follows an edit of one block's output ports, given by handle, full path and full ZID: an element is
+    /// the block's when any of the three is its own. `newNumbers` has, at old port number - 1, the new
+    /// number, or 0 for a deleted port, whose elements are removed. Caution: handle 0.0 is every unbound
+    /// element's, and an unbound element that is renumbered has a cached port, with handle 0.0, afterwards.
+    ZM_HMI_API void renumberPorts(double blockHandle, const std::u16string& blockPath, const std::string& zid,
+                                  const std::vector<int>& newNumbers);
+
+    /// Has the host rebind the signals of a host object; null does nothing. A host failure gives one
+    /// warning, never an exception. Afterwards no rebinding is pending, whether or not it succeeded.
+    ZM_HMI_API static void applyRebindingRules(const nvArray* value, bool flag);
+
+    // ---- the editor's questions about a whole model, answered by the host: EditorQueries.cpp. A host
+    //      failure gives one warning, never an exception ----
+
+    /// One observed port. The fields are named by position; what they mean is the host function's.
+    struct Source {
+        std::string name;
+        double handle = 0.0;
+        int number1 = 0;
+        int number2 = 0;
+        int number3 = 0;
+        bool flag1 = false;
+        bool flag2 = false;
+        bool flag3 = false;
+        std::u16string text1;
+        std::u16string text2;
+    };
+
+    /// The observed ports of a model, as many as the host's first result has names; none for null, without a
+    /// call, and when the host fails. Null texts count as empty.
+    ZM_HMI_API static void getObservedPorts(const nvArray* model, const char* firstText,
+                                            const char* secondText, std::vector<Source>& sources,
+                                            bool firstSwitch, bool secondSwitch);
+
+    /// Adds the handles of the blocks that carry a badge; nothing for null and for an empty value, without
+    /// a call, and when the host fails.
+    ZM_HMI_API static void getPortsWithBadges(const nvArray* model, std::set<double>& handles);
+
 private:
     static constexpr std::size_t activityCount = 4;
     using Activities = std::bitset<activityCount>;
@@ -169,6 +210,7 @@ private:
     void enterUnderKey(std::size_t key, const SignalSpecificationPtr& signal);
     template <class Matches>
     void eraseUnderKey(std::size_t key, Matches matches);
+    void eraseAt(const std::vector<std::size_t>& indices);
     Activities& activitiesOf(const std::string& zid, const std::string& kzid);
 
     std::u16string m_modelName;

@@ -1,11 +1,10 @@
 #include "hmi/InstrumentedSignals.hpp"
 
-#include "host/ClassObjects.hpp"
-#include "host/HostCall.hpp"
+#include "hmi/Collections.hpp"
 
 #include <boost/make_shared.hpp>
 
-#include <stdexcept>
+#include <utility>
 
 namespace zm_hmi {
 
@@ -17,15 +16,12 @@ constexpr const char* hostClass = "Zelmar.HMI.InstrumentedSignals";
 
 bool InstrumentedSignals::isValidType(const nvArray* value)
 {
-    return nvIsEmpty(value) || (nvGetNumberOfElements(value) == 1 && nvIsA(value, hostClass));
+    return collections::isValidType(value, hostClass);
 }
 
 InstrumentedSignals* InstrumentedSignals::getFromNVArray(const nvArray* value)
 {
-    if (nvIsEmpty(value)) {
-        return nullptr;
-    }
-    return static_cast<InstrumentedSignals*>(omGetInstanceData(omGetArrayElement(value, 0).get()));
+    return collections::nativeCollection<InstrumentedSignals>(value);
 }
 
 OwnedArray InstrumentedSignals::getPersistenceData() const
@@ -57,11 +53,7 @@ void InstrumentedSignals::setFromPersistenceData(const nvArray* data)
 
 OwnedArray InstrumentedSignals::copy(bool exclude) const
 {
-    OwnedArray object = std::move(callHost<1>(hostClass)[0]);
-    InstrumentedSignals* target = getFromNVArray(object.get());
-    if (target == nullptr) {
-        throw std::runtime_error("the host made an instrumented-signals object without a collection");
-    }
+    auto [object, target] = collections::newHostObject<InstrumentedSignals>(hostClass);
     target->m_modelName = m_modelName;
     const std::size_t count = m_signals.size();  // the host may have answered with this very collection
     for (std::size_t i = 0; i < count; ++i) {
@@ -77,7 +69,7 @@ OwnedArray InstrumentedSignals::copy(bool exclude) const
             target->m_chartObjects = m_chartObjects;
         }
     }
-    return object;
+    return std::move(object);
 }
 
 }  // namespace zm_hmi

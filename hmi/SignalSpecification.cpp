@@ -74,12 +74,7 @@ void SignalSpecification::stripModelName(const std::u16string& modelName)
 
 const char* const* SignalSpecification::getStructFields()
 {
-    static const std::array<const char*, Fields::Count> names = [] {
-        std::array<const char*, Fields::Count> list{};
-        std::transform(Fields::table.begin(), Fields::table.end(), list.begin(),
-                       [](const Fields::Row& row) { return row.name; });
-        return list;
-    }();
+    static const auto names = fieldNames(Fields::table);
     return names.data();
 }
 

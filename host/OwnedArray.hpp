@@ -61,6 +61,14 @@ inline OwnedArray makeEmpty()
         nvCreateNumericMatrix(std::size_t{0}, std::size_t{0}, nvClassID::Double, nvComplexity::Real));
 }
 
+/// As `makeEmpty`, in the local scope: what stands for a missing argument of a call.
+inline OwnedArray makePlaceholder()
+{
+    OwnedArray value = makeEmpty();
+    zmsvSetLocalScope(value.get());
+    return value;
+}
+
 /// The value of a property, sharing its data, in the local scope; null when the property has none.
 inline OwnedArray readProperty(const nvArray* object, const char* name)
 {

@@ -1,0 +1,46 @@
+#ifndef ZM_HMI_COLLECTIONS_HPP
+#define ZM_HMI_COLLECTIONS_HPP
+
+#include "host/ClassObjects.hpp"
+#include "host/HostCall.hpp"
+
+#include <cstddef>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+/// What the two collections do alike with host values.
+namespace zm_hmi::collections {
+
+/// True for null, for an empty value, and for one object of the host class. The class is asked for only
+/// when there is exactly one element.
+inline bool isValidType(const nvArray* value, const char* hostClass)
+{
+    return nvIsEmpty(value) || (nvGetNumberOfElements(value) == 1 && nvIsA(value, hostClass));
+}
+
+/// [borrowed] The native collection behind object 0; null for null and for an empty value.
+template <class Collection>
+Collection* nativeCollection(const nvArray* value)
+{
+    if (nvIsEmpty(value)) {
+        return nullptr;
+    }
+    return static_cast<Collection*>(omGetInstanceData(omGetArrayElement(value, 0).get()));
+}
+
+/// A new, empty host object and the collection behind it.
+template <class Collection>
+std::pair<OwnedArray, Collection*> newHostObject(const char* hostClass)
+{
+    OwnedArray object = std::move(callHost<1>(hostClass)[0]);
+    Collection* collection = nativeCollection<Collection>(object.get());
+    if (collection == nullptr) {
+        throw std::runtime_error(std::string("the host made an object without a collection: ") + hostClass);
+    }
+    return {std::move(object), collection};
+}
+
+}  // namespace zm_hmi::collections
+
+#endif

@@ -1,0 +1,68 @@
+#include "hmi/ModelObservers.hpp"
+
+#include "hmi_foundation/HostErrors.hpp"
+#include "host/HostCall.hpp"
+
+#include <utility>
+
+namespace zm_hmi {
+
+namespace {
+
+using zm_hmi_foundation::errorCatalog;
+using zm_hmi_foundation::throwHostError;
+
+}  // namespace
+
+ModelObservers::ModelObservers(const nvArray* value)
+{
+    validateDataFormat(value);
+    if (!nvIsEmpty(value)) {
+        m_value.reset(nvCreateSharedDataCopy(value));
+        zmsvSetLocalScope(m_value.get());
+        zmsvSetPersistentScope(m_value.get());
+    }
+}
+
+ModelObservers::~ModelObservers() = default;
+
+void ModelObservers::validateDataFormat(const nvArray* value)
+{
+    if (nvIsEmpty(value)) {
+        return;
+    }
+    if (nvGetNumberOfElements(value) != 1) {
+        throwHostError(zmsvMessageId(errorCatalog, "SignalObserversSetParamNonScalar"));
+    }
+    if (!nvIsA(value, "Zelmar.HMI.ModelObservers")) {
+        throwHostError(zmsvMessageId(errorCatalog, "SignalObserversSetParamInvalidType"));
+    }
+}
+
+void ModelObservers::getSignalsAndClients(nvArray*& signals, nvArray*& clients) const
+{
+    signals = nullptr;
+    clients = nullptr;
+    if (m_value) {
+        HostCallResult<2> pair = callHostNoThrow<2>("getSignalsAndClients", m_value.get());
+        signals = pair.outputs[0].release();
+        clients = pair.outputs[1].release();
+    }
+}
+
+nvArray* ModelObservers::createFromSignalsAndClients(const nvArray* signals, const nvArray* clients)
+{
+    if (signals == nullptr && clients == nullptr) {
+        return nullptr;
+    }
+    OwnedArray missing;
+    if (signals == nullptr || clients == nullptr) {
+        missing = asTemporary(makePlaceholder());
+    }
+    HostCallResult<1> pair = callHostNoThrow<1>("Zelmar.HMI.ModelObservers.createFromSignalsAndClients",
+                                                signals != nullptr ? signals : missing.get(),
+                                                clients != nullptr ? clients : missing.get());
+    return pair.outputs[0].release();
+}
+
+}  // namespace zm_hmi
