@@ -1,6 +1,7 @@
 #include "hmi_foundation/Initialization.hpp"
 
 #include "hmi_foundation/InstrumentedSignalsCOSClassInfo.hpp"
+#include "hmi_foundation/StreamingClientsCOSClassInfo.hpp"
 #include "host/ClassDescriptors.hpp"
 #include "host/Memory.hpp"
 
@@ -28,9 +29,11 @@ void addInnerNamespace(COSNamespace* cosNamespace, std::unique_ptr<nvcos::COSNam
     info.release();
 }
 
+// The order is fixed: the clients refer to the signals.
 void addClasses(COSNamespace* cosNamespace)
 {
     addClass(cosNamespace, std::make_unique<zm_hmi_foundation::InstrumentedSignalsCOSClassInfo>());
+    addClass(cosNamespace, std::make_unique<zm_hmi_foundation::StreamingClientsCOSClassInfo>());
 }
 
 /// One way of registering: its flag and its pair of namespace infos. `Entry` tells the ways apart.
