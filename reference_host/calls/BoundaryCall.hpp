@@ -21,7 +21,7 @@ namespace reference_host {
 /// A boundary operation: its name, how it can be made to fail, and the code that called it, which is
 /// filled in by itself. To be written within the exported function.
 struct Operation {
-    // NOLINTNEXTLINE(google-explicit-constructor): written as {"name", CanFail::Never} at each use
+    // Not explicit: written as {"name", CanFail::Never} wherever an operation begins.
     Operation(const char* operationName, CanFail howItCanFail = CanFail::Throwing,
               const void* callingCode = __builtin_return_address(0))
         : name(operationName), canFail(howItCanFail), caller(callingCode)
@@ -33,25 +33,26 @@ struct Operation {
     const void* caller;
 };
 
+struct OpenCall;
+
 /// The object with which every boundary operation begins:
 ///
 ///     return BoundaryCall({"nvGetScalar"}, value).run([&] { return scalar(value); });
 ///
 /// It names the operation for errors and for what is made inside, writes the journal, and is where a
-/// fault strikes. When nobody watches, it costs next to nothing. `run` turns the standard library's
-/// memory errors into the host's.
+/// fault strikes. When nobody watches, it costs next to nothing.
 class ZM_REFHOST_API BoundaryCall {
 public:
+    /// The arguments are for the journal, in the order in which a reader wants them.
     template <class... Arguments>
     explicit BoundaryCall(const Operation& operation, const Arguments&... arguments)
-        : m_operation(operation), m_outer(enter({operation.name, operation.caller}))
+        : m_operation(operation), m_outer(CallSite::enter({operation.name, operation.caller}))
     {
-        if (s_watched.load(std::memory_order_relaxed)) {
+        if (isWatched()) {
             try {
                 begin({describeArgument(arguments)...});
-            } catch (...) {
-                leave(m_outer);
-                throw;
+            } catch (const std::exception&) {
+                m_openCall = nullptr;  // a journal without this call is better than a failing host
             }
         }
     }
@@ -59,91 +60,97 @@ public:
     BoundaryCall& operator=(const BoundaryCall&) = delete;
     ~BoundaryCall()
     {
-        if (m_entry != 0) {
+        if (m_openCall != nullptr) {
             end();
         }
-        leave(m_outer);
+        CallSite::leave(m_outer);
     }
 
-    /// Lets the waiting fault strike, or runs the body and hands on its result.
+    /// Lets the waiting fault strike, or runs the body and hands on its result. The standard library's
+    /// memory errors become the host's.
     template <class Body>
     auto run(Body&& body) -> std::invoke_result_t<Body&>
     {
-        using Result = std::invoke_result_t<Body&>;
         try {
             strike();
-            if constexpr (std::is_void_v<Result>) {
-                body();
-            } else {
-                if constexpr (std::is_pointer_v<Result>) {
-                    if (m_fault == Fault::Null) {
-                        return answer(Result{nullptr});
-                    }
-                }
-                return answer(body());
-            }
-        } catch (const std::bad_alloc&) {
-            failed("out of memory");
-            throwOutOfMemory();
-        } catch (const std::length_error&) {
-            failed("out of memory");
-            throwOutOfMemory();
-        } catch (const std::exception& exception) {
-            failed(exception.what());
+            return answerOf(body);
+        } catch (const std::bad_alloc& error) {
+            failed(error.what());
+        } catch (const std::length_error& error) {
+            failed(error.what());
+        } catch (const std::exception& error) {
+            failed(error.what());
             throw;
         }
+        throw zmsvOutOfMemoryException();
     }
 
-    /// For operations that must not throw: the body does not, and no fault strikes.
+    /// For operations and bodies that do not throw; a fault can only make them return null.
     template <class Body>
     auto runNoThrow(Body&& body) noexcept -> std::invoke_result_t<Body&>
     {
-        if constexpr (std::is_void_v<std::invoke_result_t<Body&>>) {
-            body();
-        } else {
-            return answer(body());
-        }
+        strike();
+        return answerOf(body);
     }
 
-    /// What the waiting fault wants of an operation that answers in its own way.
+    /// What the fault that struck wants of an operation that fails in its own way. A pointer that is
+    /// to be null is seen to by `run`.
     enum class Fault : std::uint8_t { None, Null, Diagnostic };
     Fault fault() const noexcept { return m_fault; }
 
-    /// Notes the result for the journal and hands it on.
+    /// Notes a result for the journal. `run` does it for what the body returns.
     template <class Result>
-    Result answer(Result result) noexcept
+    void note(const Result& result) noexcept
     {
-        if (m_entry != 0) {
-            answered([&] { return describeArgument(result); });
+        if (m_openCall != nullptr) {
+            try {
+                noteText(describeArgument(result));
+            } catch (const std::exception&) {
+                noteText({});
+            }
         }
-        return result;
     }
 
 private:
-    static CallSite enter(CallSite site) noexcept;
-    static void leave(CallSite outer) noexcept;
-    void begin(std::vector<std::string> arguments);
-    void strike();
-    void end() noexcept;
-    void failed(const char* what) noexcept;
-    template <class Describe>
-    void answered(Describe describe) noexcept
+    friend struct BoundaryWatch;
+
+    static bool isWatched() noexcept { return s_watched.load(std::memory_order_relaxed); }
+
+    template <class Body>
+    auto answerOf(Body&& body) -> std::invoke_result_t<Body&>
     {
-        try {
-            noteResult(describe());
-        } catch (const std::exception&) {
-            noteResult({});  // a journal without this result is better than a failing host
+        using Result = std::invoke_result_t<Body&>;
+        if constexpr (std::is_void_v<Result>) {
+            body();
+        } else {
+            if constexpr (std::is_pointer_v<Result>) {
+                if (m_fault == Fault::Null) {
+                    return nullptr;
+                }
+            }
+            Result result = body();
+            note(result);
+            return result;
         }
     }
-    void noteResult(std::string result) noexcept;
-    [[noreturn]] static void throwOutOfMemory();
 
-    friend class BoundaryWatch;
+    void strike()
+    {
+        if (isWatched()) {
+            strikeWatched();
+        }
+    }
+    void strikeWatched();
+    void begin(std::vector<std::string> arguments);
+    void end() noexcept;
+    void failed(const char* what) noexcept;
+    void noteText(std::string text) noexcept;
+
     static std::atomic<bool> s_watched;
 
     Operation m_operation;
     CallSite m_outer;
-    std::uint64_t m_entry = 0;  // the journal's number of this call; 0 when it keeps none
+    OpenCall* m_openCall = nullptr;  // while the journal follows this call
     Fault m_fault = Fault::None;
 };
 

@@ -5,12 +5,31 @@
 #include "reference_host/Export.hpp"
 
 #include <concepts>
-#include <cstdint>
+#include <cstddef>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <vector>
 
 namespace reference_host {
+
+// Lists as host/ passes them, to be described as [a, b].
+
+struct SizeList {
+    const std::size_t* sizes;
+    std::size_t count;
+};
+
+struct NameList {
+    const char* const* names;
+    std::size_t count;
+};
+
+struct ValueList {
+    const nvArray* const* values;
+    int count;
+};
 
 // Arguments and results as the journal writes them. More overloads may stand beside a type, in
 // whatever namespace it lives in: they are found by argument-dependent lookup.
@@ -21,6 +40,10 @@ ZM_REFHOST_API std::string describeArgument(const zmsvMessageId& id);
 ZM_REFHOST_API std::string describeArgument(const char* text);
 ZM_REFHOST_API std::string describeArgument(std::string_view text);
 ZM_REFHOST_API std::string describeArgument(std::u16string_view text);
+ZM_REFHOST_API std::string describeArgument(const std::vector<std::string>& texts);
+ZM_REFHOST_API std::string describeArgument(const SizeList& list);
+ZM_REFHOST_API std::string describeArgument(const NameList& list);
+ZM_REFHOST_API std::string describeArgument(const ValueList& list);
 ZM_REFHOST_API std::string describeArgument(const void* address);
 ZM_REFHOST_API std::string describeArgument(double number);
 ZM_REFHOST_API std::string describeArgument(bool flag);
@@ -36,6 +59,13 @@ template <class Enum>
 std::string describeArgument(Enum value)
 {
     return std::to_string(static_cast<long long>(value));
+}
+
+/// Anything else that is owned by pointer: its address tells nothing, so only whether it is there.
+template <class Thing, class Deleter>
+std::string describeArgument(const std::unique_ptr<Thing, Deleter>& thing)
+{
+    return thing ? "made" : "null";
 }
 
 }  // namespace reference_host

@@ -5,19 +5,19 @@
 
 #include <cstddef>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
 namespace reference_host {
 
-/// The sizes of a value, at least two of them. Trailing ones past the second are dropped; a single
-/// size N stands for N-by-1.
+/// The sizes of a value, at least two of them. Sizes of 1 past the second are dropped; a single size N
+/// stands for N-by-1, and none for 1-by-1. A product that no memory can hold is `std::bad_alloc`.
 class ZM_REFHOST_API Dimensions {
 public:
-    Dimensions(std::size_t rows, std::size_t columns) noexcept : m_rows(rows), m_columns(columns) {}
+    Dimensions(std::size_t rows, std::size_t columns);
 
-    /// From a list as host/ passes it. An empty list stands for 1-by-1.
-    Dimensions(std::size_t count, const std::size_t* sizes);
+    explicit Dimensions(std::span<const std::size_t> sizes);
 
     Dimensions(const Dimensions& other);
     Dimensions(Dimensions&&) noexcept = default;
@@ -26,7 +26,8 @@ public:
     ~Dimensions() = default;
 
     std::size_t count() const noexcept { return m_more ? 2 + m_more->size() : 2; }
-    std::size_t operator[](std::size_t index) const noexcept;
+
+    /// All of them, `count()` sizes.
     std::vector<std::size_t> list() const;
 
     /// The product of all sizes.
@@ -38,8 +39,8 @@ public:
 private:
     std::size_t m_rows;
     std::size_t m_columns;
-    std::size_t m_elementCount = m_rows * m_columns;
-    std::unique_ptr<std::vector<std::size_t>> m_more;
+    std::unique_ptr<std::vector<std::size_t>> m_more;  // those past the second, null when there are none
+    std::size_t m_elementCount;
 };
 
 }  // namespace reference_host

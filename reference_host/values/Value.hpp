@@ -85,6 +85,7 @@ public:
 
 private:
     nvArray* m_value;
+    std::uint64_t m_serial = 0;  // the header may have ended with its container and be in use again
 };
 
 /// Sets the scope of an owned value. A held, lent or dead value is a misuse, and so is any scope

@@ -1,0 +1,85 @@
+#include "reference_host/calls/BoundaryCall.hpp"
+
+#include "reference_host/calls/BoundaryWatch.hpp"
+#include "reference_host/calls/HostErrors.hpp"
+
+#include <mutex>
+#include <utility>
+
+namespace reference_host {
+
+std::atomic<bool> BoundaryCall::s_watched{false};
+
+void BoundaryCall::begin(std::vector<std::string> arguments)
+{
+    m_openCall = beginJournalEntry(m_operation.name, std::move(arguments));
+}
+
+void BoundaryCall::end() noexcept
+{
+    endJournalEntry(m_openCall);
+}
+
+void BoundaryCall::failed(const char* what) noexcept
+{
+    if (m_openCall != nullptr) {
+        try {
+            noteText(std::string("threw: ") + what);
+        } catch (const std::exception&) {
+            noteText("threw");
+        }
+    }
+}
+
+void BoundaryCall::noteText(std::string text) noexcept
+{
+    m_openCall->entry.result = std::move(text);
+}
+
+void BoundaryCall::strikeWatched()
+{
+    const Strike strike = nextStrike(m_operation.name, m_operation.canFail);
+    if (!strike.strikes) {
+        return;
+    }
+    const bool isNoThrowCall = m_operation.canFail == CanFail::HostCallNoThrow;
+    if (m_operation.canFail == CanFail::Null || strike.kind == FaultKind::Null) {
+        m_fault = Fault::Null;
+        note("null, as the fault wants");
+    } else if (strike.kind == FaultKind::OutOfMemory) {
+        throw zmsvOutOfMemoryException();
+    } else if (isNoThrowCall) {
+        m_fault = Fault::Diagnostic;
+    } else {
+        throwHostError("InjectedFault");
+    }
+}
+
+namespace {
+
+std::mutex& watchMutex()
+{
+    static std::mutex& mutex = *new std::mutex;
+    return mutex;
+}
+
+bool journalWatches = false;
+bool faultsWatch = false;
+
+}  // namespace
+
+void BoundaryWatch::watchForJournal(bool watch)
+{
+    const std::lock_guard lock(watchMutex());
+    journalWatches = watch;
+    BoundaryCall::s_watched = journalWatches || faultsWatch;
+}
+
+void BoundaryWatch::watchForFaults(bool watch)
+{
+    const std::lock_guard lock(watchMutex());
+    faultsWatch = watch;
+    BoundaryCall::s_watched = journalWatches || faultsWatch;
+}
+
+}  // namespace reference_host

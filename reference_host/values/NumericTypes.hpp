@@ -1,0 +1,103 @@
+#ifndef ZM_REFERENCE_HOST_VALUES_NUMERIC_TYPES_HPP
+#define ZM_REFERENCE_HOST_VALUES_NUMERIC_TYPES_HPP
+
+#include "reference_host/values/Value.hpp"
+
+#include <cmath>
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <new>
+#include <type_traits>
+
+namespace reference_host {
+
+/// The one way from a double to an integer: truncated toward zero in range, 0 for NaN, the nearest end
+/// of the range beyond it.
+template <std::integral Integer>
+Integer toInteger(double number) noexcept
+{
+    if (std::isnan(number)) {
+        return 0;
+    }
+    // The double next to the largest 64-bit number is one past it, so the comparison includes equality.
+    if (number >= static_cast<double>(std::numeric_limits<Integer>::max())) {
+        return std::numeric_limits<Integer>::max();
+    }
+    if (number <= static_cast<double>(std::numeric_limits<Integer>::min())) {
+        return std::numeric_limits<Integer>::min();
+    }
+    return static_cast<Integer>(number);
+}
+
+/// Calls `visitor` with a `std::type_identity` of the C++ type behind a numeric class or logical.
+template <class Visitor>
+decltype(auto) withNumericType(ValueClass valueClass, Visitor&& visitor)
+{
+    switch (valueClass) {
+        case ValueClass::Single:
+            return visitor(std::type_identity<float>{});
+        case ValueClass::Int8:
+            return visitor(std::type_identity<std::int8_t>{});
+        case ValueClass::UInt8:
+            return visitor(std::type_identity<std::uint8_t>{});
+        case ValueClass::Int16:
+            return visitor(std::type_identity<std::int16_t>{});
+        case ValueClass::UInt16:
+            return visitor(std::type_identity<std::uint16_t>{});
+        case ValueClass::Int32:
+            return visitor(std::type_identity<std::int32_t>{});
+        case ValueClass::UInt32:
+            return visitor(std::type_identity<std::uint32_t>{});
+        case ValueClass::Int64:
+            return visitor(std::type_identity<std::int64_t>{});
+        case ValueClass::UInt64:
+            return visitor(std::type_identity<std::uint64_t>{});
+        case ValueClass::Logical:
+            return visitor(std::type_identity<bool>{});
+        default:
+            return visitor(std::type_identity<double>{});
+    }
+}
+
+/// Of `count` elements of a numeric class or logical. More than memory can hold is `std::bad_alloc`.
+inline std::size_t byteCount(ValueClass valueClass, bool isComplex, std::size_t count)
+{
+    const std::size_t elementSize =
+        withNumericType(valueClass, [](auto type) { return sizeof(typename decltype(type)::type); });
+    std::size_t result = 0;
+    if (__builtin_mul_overflow(count, isComplex ? 2 * elementSize : elementSize, &result)) {
+        throw std::bad_array_new_length();
+    }
+    return result;
+}
+
+/// Element `index` of elements that stand as bytes.
+template <class Number>
+Number readNumber(const std::byte* data, std::size_t index)
+{
+    Number number{};
+    std::memcpy(&number, data + index * sizeof(Number), sizeof(Number));
+    return number;
+}
+
+/// Converts to the element type and stores.
+template <class Number>
+void writeNumber(std::byte* data, std::size_t index, double value)
+{
+    Number number{};
+    if constexpr (std::is_same_v<Number, bool>) {
+        number = value != 0.0;
+    } else if constexpr (std::is_integral_v<Number>) {
+        number = toInteger<Number>(value);
+    } else {
+        number = static_cast<Number>(value);
+    }
+    std::memcpy(data + index * sizeof(Number), &number, sizeof(Number));
+}
+
+}  // namespace reference_host
+
+#endif

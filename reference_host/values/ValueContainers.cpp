@@ -1,0 +1,149 @@
+#include "reference_host/values/ValueContainers.hpp"
+
+#include "reference_host/calls/HostErrors.hpp"
+#include "reference_host/values/Payload.hpp"
+#include "reference_host/values/ValueDescription.hpp"
+
+#include <algorithm>
+#include <utility>
+
+namespace reference_host {
+
+namespace {
+
+const Fields* fieldsOf(const nvArray* value)
+{
+    if (value == nullptr) {
+        return nullptr;
+    }
+    requireAlive(value);
+    return std::get_if<Fields>(&value->payload->content);
+}
+
+const Cells* cellsOf(const nvArray* value)
+{
+    if (value == nullptr) {
+        return nullptr;
+    }
+    requireAlive(value);
+    return std::get_if<Cells>(&value->payload->content);
+}
+
+/// Where the field stands in a struct; the number of fields when there is none.
+std::size_t fieldNumber(const Fields& fields, const char* name)
+{
+    const auto& names = fields.table->names;
+    return static_cast<std::size_t>(std::find(names.begin(), names.end(), name) - names.begin());
+}
+
+/// Refuses a value that cannot pass to the container.
+void requireStorable(const nvArray* container, const nvArray* value)
+{
+    requireOwned(value);
+    if (container == value) {
+        throwMisuse("ContainsItself", {describeWithSerial(value)});
+    }
+}
+
+/// The place of a field that is to be filled; the struct no longer shares its data.
+HeldValue& fieldPlace(nvArray* value, std::size_t index, const char* name, const nvArray* field)
+{
+    requireAlive(value);
+    const Fields* fields = fieldsOf(value);
+    if (fields == nullptr) {
+        throwHostError("WrongClass", {std::string("a struct"), describe(value)});
+    }
+    requireIndex(index, value->payload->dimensions.elementCount());
+    const std::size_t number = name != nullptr ? fieldNumber(*fields, name) : fields->table->names.size();
+    if (number == fields->table->names.size()) {
+        throwHostError("NoSuchField", {std::string(name != nullptr ? name : ""), describe(value)});
+    }
+    requireStorable(value, field);
+    const std::size_t place = index * fields->table->names.size() + number;
+    return std::get<Fields>(writablePayload(value).content).values[place];
+}
+
+}  // namespace
+
+bool isStruct(const nvArray* value)
+{
+    return fieldsOf(value) != nullptr;
+}
+
+bool isCell(const nvArray* value)
+{
+    return cellsOf(value) != nullptr;
+}
+
+const std::vector<std::string>& fieldNames(const nvArray* value)
+{
+    static const std::vector<std::string>& none = *new std::vector<std::string>;
+    const Fields* fields = fieldsOf(value);
+    return fields != nullptr ? fields->table->names : none;
+}
+
+const nvArray* field(const nvArray* value, std::size_t index, const char* name)
+{
+    const Fields* fields = fieldsOf(value);
+    if (fields == nullptr || name == nullptr) {
+        return nullptr;
+    }
+    requireIndex(index, value->payload->dimensions.elementCount());
+    const std::size_t number = fieldNumber(*fields, name);
+    const std::size_t count = fields->table->names.size();
+    return number < count ? fields->values[index * count + number].get() : nullptr;
+}
+
+void setField(nvArray* value, std::size_t index, const char* name, OwnedValue field)
+{
+    storeField(value, index, name, field.get(), false);
+    field.release();
+}
+
+void replaceField(nvArray* value, std::size_t index, const char* name, OwnedValue field)
+{
+    storeField(value, index, name, field.get(), true);
+    field.release();
+}
+
+void storeField(nvArray* value, std::size_t index, const char* name, nvArray* field, bool mayBeSet)
+{
+    HeldValue& place = fieldPlace(value, index, name, field);
+    if (place && !mayBeSet) {
+        throwMisuse("FieldIsSet", {std::string(name), describeWithSerial(place.get())});
+    }
+    field->ownership = Ownership::Held;
+    const HeldValue former = std::exchange(place, HeldValue(field));
+}
+
+const nvArray* cell(const nvArray* value, std::size_t index)
+{
+    const Cells* cells = cellsOf(value);
+    if (cells == nullptr) {
+        return nullptr;
+    }
+    requireIndex(index, cells->values.size());
+    return cells->values[index].get();
+}
+
+void setCell(nvArray* value, std::size_t index, OwnedValue element)
+{
+    storeCell(value, index, element.get());
+    element.release();
+}
+
+void storeCell(nvArray* value, std::size_t index, nvArray* element)
+{
+    requireAlive(value);
+    const Cells* cells = cellsOf(value);
+    if (cells == nullptr) {
+        throwHostError("WrongClass", {std::string("a cell array"), describe(value)});
+    }
+    requireIndex(index, cells->values.size());
+    requireStorable(value, element);
+    HeldValue& place = std::get<Cells>(writablePayload(value).content).values[index];
+    element->ownership = Ownership::Held;
+    const HeldValue former = std::exchange(place, HeldValue(element));
+}
+
+}  // namespace reference_host
