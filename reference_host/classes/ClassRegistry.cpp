@@ -53,6 +53,17 @@ Namespace* ClassRegistry::findNamespace(const std::string& fullName)
     return outer != nullptr ? outer->findInner(name.simple) : nullptr;
 }
 
+/// The namespace if it is there by now; defines nothing.
+Namespace* ClassRegistry::knownNamespace(const std::string& fullName) const
+{
+    const SplitName name(fullName);
+    if (name.parent.empty()) {
+        return findTopLevel(name.simple);
+    }
+    const Namespace* outer = knownNamespace(name.parent);
+    return outer != nullptr ? outer->knownInner(name.simple) : nullptr;
+}
+
 RegisteredClass* ClassRegistry::findClass(const std::string& fullName)
 {
     const SplitName name(fullName);
@@ -100,7 +111,7 @@ Namespace& ClassRegistry::createNamespace(const std::string& fullName)
 
 void ClassRegistry::contribute(const std::string& namespaceName, ClassSystem::ClassInfoFactory makeInfo)
 {
-    Namespace* home = findNamespace(namespaceName);
+    Namespace* home = knownNamespace(namespaceName);
     m_contributions.push_back({namespaceName, std::move(makeInfo)});
     if (home == nullptr || !home->isDefined()) {
         return;

@@ -54,6 +54,7 @@ private:
 
     static void addContribution(Namespace& home, const Contribution& contribution);
     Namespace* findTopLevel(const std::string& simpleName) const;
+    Namespace* knownNamespace(const std::string& fullName) const;
     void contributeBuiltInClasses();
 
     std::vector<std::unique_ptr<Namespace>> m_topLevel;

@@ -7,6 +7,44 @@
 #include "reference_host/classes/RegisteredClass.hpp"
 #include "reference_host/classes/Types.hpp"
 
+namespace reference_host {
+
+namespace {
+
+struct NativeValueText {
+    std::string operator()(std::monostate) const { return "nothing"; }
+    std::string operator()(const std::u16string& value) const
+    {
+        return describeArgument(std::u16string_view(value));
+    }
+    std::string operator()(const std::string& value) const
+    {
+        return describeArgument(std::string_view(value));
+    }
+    template <class Value>
+    std::string operator()(Value value) const
+    {
+        return describeArgument(value);
+    }
+    std::string operator()(nvArray* value) const
+    {
+        return describeArgument(static_cast<const nvArray*>(value));
+    }
+};
+
+}  // namespace
+
+std::string describeArgument(const NativeValues& values)
+{
+    std::string text;
+    for (const nvcos::COSValue& value : values.values) {
+        text += (text.empty() ? "" : ", ") + std::visit(NativeValueText{}, value);
+    }
+    return "(" + text + ")";
+}
+
+}  // namespace reference_host
+
 std::string nvcos::internal::describeArgument(Interned name)
 {
     return reference_host::describeArgument(name.c_str());

@@ -3,6 +3,7 @@
 
 #include "host/ClassDescriptors.hpp"
 
+#include <span>
 #include <string>
 
 // How the journal writes the class system's arguments and results; found by argument-dependent lookup.
@@ -22,5 +23,16 @@ std::string describeArgument(const COSInterfacePtr& instance);
 std::string describeArgument(const COSMethodSignature* signature);
 
 }  // namespace nvcos
+
+namespace reference_host {
+
+/// Values as they enter and leave what a library described.
+struct NativeValues {
+    std::span<const nvcos::COSValue> values;
+};
+
+std::string describeArgument(const NativeValues& values);
+
+}  // namespace reference_host
 
 #endif

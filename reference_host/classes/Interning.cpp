@@ -10,8 +10,9 @@ namespace reference_host {
 
 nvcos::internal::Interned intern(const char* name)
 {
-    static std::unordered_set<std::string> names;
-    return name != nullptr ? nvcos::internal::Interned(names.emplace(name).first->c_str())
+    // Never destroyed: names are good until the process has ended.
+    static auto* const names = new std::unordered_set<std::string>;
+    return name != nullptr ? nvcos::internal::Interned(names->emplace(name).first->c_str())
                            : nvcos::internal::Interned();
 }
 

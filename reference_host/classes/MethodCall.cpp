@@ -1,12 +1,15 @@
 #include "reference_host/classes/MethodCall.hpp"
 
 #include "reference_host/classes/ClassError.hpp"
+#include "reference_host/classes/DescribeClassArguments.hpp"
 #include "reference_host/classes/LibraryCall.hpp"
+
 #include "reference_host/classes/Types.hpp"
 #include "reference_host/classes/ValueConversion.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 
 #include <algorithm>
+#include <span>
 #include <utility>
 
 namespace reference_host {
@@ -30,6 +33,20 @@ public:
 
     std::size_t size() const noexcept { return m_slots.size(); }
     nvcos::COSValue* data() noexcept { return m_slots.data(); }
+    std::span<const nvcos::COSValue> values() const noexcept { return m_slots; }
+
+    /// A constructor finds its new object in the first slot. It stays the caller's.
+    void showObject(nvArray* object)
+    {
+        m_slots.resize(std::max<std::size_t>(m_slots.size(), 1));
+        m_slots.front() = object;
+        m_object = object;
+    }
+    bool showsObject() const
+    {
+        nvArray* const* value = std::get_if<nvArray*>(&m_slots.front());
+        return value != nullptr && *value == m_object;
+    }
 
     OwnedValue take(std::size_t index)
     {
@@ -41,13 +58,17 @@ public:
     }
 
 private:
-    static OwnedValue adopt(nvArray* value)
+    OwnedValue adopt(nvArray* value) const
     {
+        if (value == m_object) {
+            return nullptr;
+        }
         requireOwned(value);
         return OwnedValue(value);
     }
 
     std::vector<nvcos::COSValue> m_slots;
+    nvArray* m_object = nullptr;
 };
 
 MethodCall::MethodCall(const RegisteredClass& cosClass, const RegisteredClass::Method& method)
@@ -76,12 +97,10 @@ void MethodCall::runConstructor(nvArray* object, const Arguments& arguments)
 {
     convertInputs(nullptr, arguments);
     const Loan loan(object);
-    Outputs outputs(std::max<std::size_t>(m_signature.outputs().size(), 1));
-    outputs.data()[0] = object;
+    Outputs outputs(m_signature.outputs().size());
+    outputs.showObject(object);
     invoke(1, outputs);
-    const nvcos::COSValue left = std::exchange(outputs.data()[0], {});
-    nvArray* const* value = std::get_if<nvArray*>(&left);
-    if (value == nullptr || *value != object) {
+    if (!outputs.showsObject()) {
         throwClassError("ObjectReplaced",
                         "the constructor " + m_name + " put another value in its object's place",
                         {m_class.fullName(), m_method.name});
@@ -149,9 +168,10 @@ void MethodCall::invoke(int outputCount, Outputs& outputs) const
     const auto body = [&] {
         m_method.info->invoke(hostClient(), outputCount, outputs.data(), static_cast<int>(m_inputs.size()),
                               m_inputs.data());
+        return NativeValues{outputs.values()};
     };
     if (m_class.isLibraryClass()) {
-        callLibrary("invoke", body, m_name, m_inputs.size(), outputCount);
+        callLibrary("invoke", body, m_name, NativeValues{m_inputs}, outputCount);
     } else {
         body();
     }

@@ -82,7 +82,7 @@ void Namespace::insertClass(nvcos::COSClassInfo* info, ClassOrigin origin)
 void Namespace::checkNewName(const char* kind, const char* name)
 {
     checkSimpleName(kind, name);
-    if (lookUpClass(name) == nullptr && lookUpInner(name) == nullptr) {
+    if (knownClass(name) == nullptr && knownInner(name) == nullptr) {
         return;
     }
     if (m_info) {
@@ -124,12 +124,12 @@ bool Namespace::hasInstances() const
            std::ranges::any_of(m_inner, [](const auto& inner) { return inner->hasInstances(); });
 }
 
-Namespace* Namespace::lookUpInner(const std::string& simpleName) const
+Namespace* Namespace::knownInner(const std::string& simpleName) const
 {
     return findBySimpleName(m_inner, simpleName);
 }
 
-RegisteredClass* Namespace::lookUpClass(const std::string& simpleName) const
+RegisteredClass* Namespace::knownClass(const std::string& simpleName) const
 {
     return findBySimpleName(m_classes, simpleName);
 }
@@ -137,9 +137,9 @@ RegisteredClass* Namespace::lookUpClass(const std::string& simpleName) const
 Namespace* Namespace::findInner(const std::string& simpleName)
 {
     define();
-    Namespace* inner = lookUpInner(simpleName);
+    Namespace* inner = knownInner(simpleName);
     if (inner == nullptr && m_info && m_info->attemptToLoadInnerNamespace(this, intern(simpleName.c_str()))) {
-        inner = lookUpInner(simpleName);
+        inner = knownInner(simpleName);
     }
     return inner;
 }
@@ -147,9 +147,9 @@ Namespace* Namespace::findInner(const std::string& simpleName)
 RegisteredClass* Namespace::findClass(const std::string& simpleName)
 {
     define();
-    RegisteredClass* cosClass = lookUpClass(simpleName);
+    RegisteredClass* cosClass = knownClass(simpleName);
     if (cosClass == nullptr && m_info && m_info->attemptToLoadClass(this, intern(simpleName.c_str()))) {
-        cosClass = lookUpClass(simpleName);
+        cosClass = knownClass(simpleName);
     }
     return cosClass;
 }

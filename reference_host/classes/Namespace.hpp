@@ -33,6 +33,10 @@ public:
     void define();
     bool isDefined() const noexcept { return m_state != State::Undefined; }
 
+    // What is there by now.
+    Namespace* knownInner(const std::string& simpleName) const;
+    RegisteredClass* knownClass(const std::string& simpleName) const;
+
     // These define the namespace; the searches also give its info a chance to load what is missing.
     Namespace* findInner(const std::string& simpleName);
     RegisteredClass* findClass(const std::string& simpleName);
@@ -49,8 +53,6 @@ public:
 private:
     enum class State { Undefined, Defining, Defined };
 
-    Namespace* lookUpInner(const std::string& simpleName) const;
-    RegisteredClass* lookUpClass(const std::string& simpleName) const;
     void checkNewName(const char* kind, const char* name);
     bool hasInstances() const;
     void removeContents();

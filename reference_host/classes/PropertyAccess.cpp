@@ -3,6 +3,7 @@
 #include "host/Containers.hpp"
 #include "reference_host/classes/ClassError.hpp"
 #include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/DescribeClassArguments.hpp"
 #include "reference_host/classes/Instance.hpp"
 #include "reference_host/classes/LibraryCall.hpp"
 #include "reference_host/classes/ObjectElements.hpp"
@@ -45,7 +46,12 @@ nvcos::COSValue PropertyAccess::askForValue() const
     }
     nvcos::COSValue value;
     callLibrary(
-        "getValue", [&] { value = m_property->info->getValue(m_instance.get()); }, m_name);
+        "getValue",
+        [&] {
+            value = m_property->info->getValue(m_instance.get());
+            return NativeValues{{&value, 1}};
+        },
+        m_name);
     return value;
 }
 
@@ -53,7 +59,7 @@ void PropertyAccess::release(const nvcos::COSValue& value) const
 {
     const auto body = [&] { m_property->info->releaseValue(m_instance.get(), value); };
     if (m_class->isLibraryClass()) {
-        callLibrary("releaseValue", body, m_name);
+        callLibrary("releaseValue", body, m_name, NativeValues{{&value, 1}});
     } else {
         body();
     }
@@ -83,7 +89,7 @@ void PropertyAccess::set(const nvArray* value) const
     const Loan loan(value);
     const auto body = [&] { m_property->info->setValue(m_instance.get(), converted); };
     if (m_class->isLibraryClass()) {
-        callLibrary("setValue", body, m_name, value);
+        callLibrary("setValue", body, m_name, NativeValues{{&converted, 1}});
     } else {
         body();
     }

@@ -27,14 +27,15 @@ const COSType* findLoadedType(const std::string& name)
 const COSType* findBuiltInType(const std::string& name)
 {
     using Kind = COSType::Kind;
-    static const std::array<COSType, 7> types{{{Kind::UnicodeString, "unicodeString"},
-                                               {Kind::AsciiString, "asciiString"},
-                                               {Kind::UInt32, "uint32 scalar"},
-                                               {Kind::Int32, "int32 scalar"},
-                                               {Kind::Double, "double scalar"},
-                                               {Kind::Logical, "logical scalar"},
-                                               {Kind::Any, "any"}}};
-    for (const COSType& type : types) {
+    // Never destroyed: types are good until the process has ended.
+    static const auto* const types = new std::array<COSType, 7>{{{Kind::UnicodeString, "unicodeString"},
+                                                                 {Kind::AsciiString, "asciiString"},
+                                                                 {Kind::UInt32, "uint32 scalar"},
+                                                                 {Kind::Int32, "int32 scalar"},
+                                                                 {Kind::Double, "double scalar"},
+                                                                 {Kind::Logical, "logical scalar"},
+                                                                 {Kind::Any, "any"}}};
+    for (const COSType& type : *types) {
         if (type.name == name) {
             return &type;
         }
@@ -44,8 +45,9 @@ const COSType* findBuiltInType(const std::string& name)
 
 const COSType* classType(const std::string& fullName)
 {
-    static std::map<std::string, COSType> types;
-    return &types.try_emplace(fullName, COSType{COSType::Kind::Class, fullName}).first->second;
+    // Never destroyed, as above.
+    static auto* const types = new std::map<std::string, COSType>;
+    return &types->try_emplace(fullName, COSType{COSType::Kind::Class, fullName}).first->second;
 }
 
 const COSType* typeNamed(const std::string& name)
