@@ -11,7 +11,7 @@
 namespace reference_host {
 
 /// One operation that crossed the boundary.
-struct JournalEntry {
+struct ZM_REFHOST_API JournalEntry {
     std::size_t depth = 0;  ///< 0 unless the call was made while another one was under way
     std::string operation;
     std::vector<std::string> arguments;  ///< values as `#12 double 2`, text quoted
