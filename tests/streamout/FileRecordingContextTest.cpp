@@ -1,5 +1,9 @@
 #include "streamout/FileRecordingContext.hpp"
 
+#include "host/Exceptions.hpp"
+#include "reference_host/calls/Faults.hpp"
+#include "reference_host/calls/Journal.hpp"
+#include "reference_host/calls/Ledger.hpp"
 #include "tests/streamout/VirtualSlot.hpp"
 
 #include <gtest/gtest.h>
@@ -55,7 +59,36 @@ EveryThird contextFor(const std::u16string& filePath)
     return {filePath, u"plant", "domain", u"plant/Record", {}};
 }
 
-TEST(FileRecordingContext, VirtualOperationsStandInTheirSlots)
+/// Keeps a journal of what the context asks of the host, and closes the ledger after each test.
+class FileRecordingContextTest : public testing::Test {
+protected:
+    FileRecordingContextTest() { reference_host::Journal::startRecording(); }
+    FileRecordingContextTest(const FileRecordingContextTest&) = delete;
+    FileRecordingContextTest& operator=(const FileRecordingContextTest&) = delete;
+    ~FileRecordingContextTest() override { reference_host::Journal::stopRecording(); }
+
+    void TearDown() override
+    {
+        for (const std::string& line : reference_host::Ledger::openSince(m_before)) {
+            ADD_FAILURE() << "left open: " << line;
+        }
+    }
+
+    /// What the context asked of the host, each call as a line.
+    static std::vector<std::string> hostCalls()
+    {
+        std::vector<std::string> calls;
+        for (const reference_host::JournalEntry& entry : reference_host::Journal::entries()) {
+            calls.push_back(entry.text());
+        }
+        return calls;
+    }
+
+private:
+    reference_host::Ledger::Snapshot m_before = reference_host::Ledger::snapshot();
+};
+
+TEST_F(FileRecordingContextTest, VirtualOperationsStandInTheirSlots)
 {
     EXPECT_EQ(slotOf(&FileRecordingContext::getSourceID), 2U);
     EXPECT_EQ(slotOf(&FileRecordingContext::getLoggingDomain), 3U);
@@ -72,7 +105,7 @@ TEST(FileRecordingContext, VirtualOperationsStandInTheirSlots)
     EXPECT_EQ(slotOf(&FileRecordingContext::getMaxPoints), 14U);
 }
 
-TEST(FileRecordingContext, KeepsEachArgumentInItsPlace)
+TEST_F(FileRecordingContextTest, KeepsEachArgumentInItsPlace)
 {
     const EveryThird context(u"/logs/run.csv", u"plant", "domain", u"plant/Record", {{"precision", 6.0}});
 
@@ -83,7 +116,7 @@ TEST(FileRecordingContext, KeepsEachArgumentInItsPlace)
     EXPECT_TRUE(context.getFilePropertiesMap() == (FilePropertiesMap{{"precision", 6.0}}));
 }
 
-TEST(FileRecordingContext, KeepsTextExactlyAsGiven)
+TEST_F(FileRecordingContextTest, KeepsTextExactlyAsGiven)
 {
     // A code unit 0, an unpaired surrogate, a line break, blanks at both ends.
     const std::u16string wide(u" a\0\xD800\n ", 6);
@@ -100,7 +133,7 @@ TEST(FileRecordingContext, KeepsTextExactlyAsGiven)
     EXPECT_EQ(context.getMaxPoints(), narrow);
 }
 
-TEST(FileRecordingContext, EmptyFilePathHasEmptyFullPathAndFileName)
+TEST_F(FileRecordingContextTest, EmptyFilePathHasEmptyFullPathAndFileName)
 {
     const EveryThird context = contextFor(u"");
 
@@ -108,22 +141,63 @@ TEST(FileRecordingContext, EmptyFilePathHasEmptyFullPathAndFileName)
     EXPECT_EQ(context.getFileName(), u"");
 }
 
-TEST(FileRecordingContext, FullFilePathTakesItsNativeForm)
+TEST_F(FileRecordingContextTest, EmptyFilePathIsNotMadeNative)
+{
+    const EveryThird context = contextFor(u"");
+
+    EXPECT_EQ(hostCalls(), std::vector<std::string>{});
+}
+
+TEST_F(FileRecordingContextTest, FilePathIsMadeNativeOnceAndNormalized)
+{
+    const EveryThird context = contextFor(u"logs//run.csv");
+
+    EXPECT_EQ(hostCalls(),
+              std::vector<std::string>{"makeNativeForm(\"logs//run.csv\", true) -> \"logs/run.csv\""});
+}
+
+TEST_F(FileRecordingContextTest, FileNameIsTakenFromTheNativePath)
+{
+    const EveryThird context = contextFor(u"logs/other/../run.csv");
+    reference_host::Journal::clear();
+    context.getFileName();
+
+    EXPECT_EQ(hostCalls(), std::vector<std::string>{"extractFileName(\"logs/run.csv\") -> \"run.csv\""});
+}
+
+TEST_F(FileRecordingContextTest, AHostErrorAboutThePathPassesThrough)
+{
+    reference_host::Faults::arm("makeNativeForm", reference_host::FaultKind::HostException, 1);
+
+    EXPECT_THROW(contextFor(u"run.csv"), zmsvException);
+    EXPECT_TRUE(reference_host::Faults::disarm());
+}
+
+TEST_F(FileRecordingContextTest, AHostErrorAboutTheNamePassesThrough)
+{
+    const EveryThird context = contextFor(u"run.csv");
+    reference_host::Faults::arm("extractFileName", reference_host::FaultKind::HostException, 1);
+
+    EXPECT_THROW(context.getFileName(), zmsvException);
+    EXPECT_TRUE(reference_host::Faults::disarm());
+}
+
+TEST_F(FileRecordingContextTest, FullFilePathTakesItsNativeForm)
 {
     EXPECT_EQ(contextFor(u"/logs//today/./run.csv").getFullFilePath(), u"/logs/today/run.csv");
 }
 
-TEST(FileRecordingContext, FileNameIsTheLastComponent)
+TEST_F(FileRecordingContextTest, FileNameIsTheLastComponent)
 {
     EXPECT_EQ(contextFor(u"/logs/M\u00FCnchen/\u6E29\u5EA6.csv").getFileName(), u"\u6E29\u5EA6.csv");
 }
 
-TEST(FileRecordingContext, FileNameOfABareNameIsTheName)
+TEST_F(FileRecordingContextTest, FileNameOfABareNameIsTheName)
 {
     EXPECT_EQ(contextFor(u"run.csv").getFileName(), u"run.csv");
 }
 
-TEST(FileRecordingContext, DecimationAndMaxPointsStartEmpty)
+TEST_F(FileRecordingContextTest, DecimationAndMaxPointsStartEmpty)
 {
     const EveryThird context = contextFor(u"run.csv");
 
@@ -131,7 +205,7 @@ TEST(FileRecordingContext, DecimationAndMaxPointsStartEmpty)
     EXPECT_EQ(context.getMaxPoints(), "");
 }
 
-TEST(FileRecordingContext, DecimationAndMaxPointsAreReplacedApart)
+TEST_F(FileRecordingContextTest, DecimationAndMaxPointsAreReplacedApart)
 {
     EveryThird context = contextFor(u"run.csv");
     context.setDecimation("1");
@@ -142,7 +216,7 @@ TEST(FileRecordingContext, DecimationAndMaxPointsAreReplacedApart)
     EXPECT_EQ(context.getMaxPoints(), "1000");
 }
 
-TEST(FileRecordingContext, DecimationAndMaxPointsAreNotParsed)
+TEST_F(FileRecordingContextTest, DecimationAndMaxPointsAreNotParsed)
 {
     EveryThird context = contextFor(u"run.csv");
     context.setDecimation("every other");
@@ -150,7 +224,7 @@ TEST(FileRecordingContext, DecimationAndMaxPointsAreNotParsed)
     EXPECT_EQ(context.getDecimation(), "every other");
 }
 
-TEST(FileRecordingContext, RecordingLimitsAreWhatTheFormatReads)
+TEST_F(FileRecordingContextTest, RecordingLimitsAreWhatTheFormatReads)
 {
     const RecordingLimits limits = contextFor(u"run.csv").getRecordingLimits();
 
@@ -158,7 +232,7 @@ TEST(FileRecordingContext, RecordingLimitsAreWhatTheFormatReads)
     EXPECT_EQ(limits.maxPoints, 100U);
 }
 
-TEST(FileRecordingContext, AFormatsErrorPassesThrough)
+TEST_F(FileRecordingContextTest, AFormatsErrorPassesThrough)
 {
     EveryThird context = contextFor(u"run.csv");
     context.setMaxPoints("many");
@@ -166,7 +240,7 @@ TEST(FileRecordingContext, AFormatsErrorPassesThrough)
     EXPECT_THROW(context.getRecordingLimits(), std::invalid_argument);
 }
 
-TEST(FileRecordingContext, OneNumberAndOneTextFillOneListEach)
+TEST_F(FileRecordingContextTest, OneNumberAndOneTextFillOneListEach)
 {
     const Properties properties(contextWith({{"precision", 6.0}, {"separator", std::u16string(u";")}}));
 
@@ -176,7 +250,7 @@ TEST(FileRecordingContext, OneNumberAndOneTextFillOneListEach)
     EXPECT_EQ(properties.stringValues, std::vector<std::u16string>{u";"});
 }
 
-TEST(FileRecordingContext, NoPropertiesLeaveTheListsEmpty)
+TEST_F(FileRecordingContextTest, NoPropertiesLeaveTheListsEmpty)
 {
     const Properties properties(contextWith({}));
 
@@ -184,7 +258,7 @@ TEST(FileRecordingContext, NoPropertiesLeaveTheListsEmpty)
     EXPECT_TRUE(properties.stringNames.empty() && properties.stringValues.empty());
 }
 
-TEST(FileRecordingContext, AnEmptyTextIsATextProperty)
+TEST_F(FileRecordingContextTest, AnEmptyTextIsATextProperty)
 {
     const Properties properties(contextWith({{"comment", std::u16string()}}));
 
@@ -193,7 +267,7 @@ TEST(FileRecordingContext, AnEmptyTextIsATextProperty)
     EXPECT_EQ(properties.stringValues, std::vector<std::u16string>{u""});
 }
 
-TEST(FileRecordingContext, PropertiesAreAppended)
+TEST_F(FileRecordingContextTest, PropertiesAreAppended)
 {
     Properties properties(contextWith({{"first", 1.0}, {"title", std::u16string(u"one")}}));
     properties.append(contextWith({{"second", 2.0}, {"title", std::u16string(u"two")}}));
@@ -204,7 +278,7 @@ TEST(FileRecordingContext, PropertiesAreAppended)
     EXPECT_EQ(properties.stringValues, (std::vector<std::u16string>{u"one", u"two"}));
 }
 
-TEST(FileRecordingContext, PropertiesComeInTheMapsOwnOrder)
+TEST_F(FileRecordingContextTest, PropertiesComeInTheMapsOwnOrder)
 {
     FilePropertiesMap many;
     for (int i = 0; i < 100; ++i) {
@@ -224,14 +298,14 @@ TEST(FileRecordingContext, PropertiesComeInTheMapsOwnOrder)
     EXPECT_EQ(properties.doubleValues, values);
 }
 
-TEST(FileRecordingContext, PropertiesOfADerivedClassReplaceTheStoredOnes)
+TEST_F(FileRecordingContextTest, PropertiesOfADerivedClassReplaceTheStoredOnes)
 {
     const WithOwnProperties context(u"run.csv", u"plant", "domain", u"plant/Record", {{"stored", 2.0}});
 
     EXPECT_EQ(Properties(context).doubleNames, std::vector<std::string>{"own"});
 }
 
-TEST(FileRecordingContext, PropertiesAreACopy)
+TEST_F(FileRecordingContextTest, PropertiesAreACopy)
 {
     const EveryThird context = contextWith({{"precision", 6.0}});
     FilePropertiesMap taken = context.getFilePropertiesMap();
@@ -240,7 +314,7 @@ TEST(FileRecordingContext, PropertiesAreACopy)
     EXPECT_EQ(context.getFilePropertiesMap().size(), 1U);
 }
 
-TEST(FileRecordingContext, ReadingAPropertyAsTheOtherKindThrows)
+TEST_F(FileRecordingContextTest, ReadingAPropertyAsTheOtherKindThrows)
 {
     const FilePropertiesMap properties = contextWith({{"precision", 6.0}}).getFilePropertiesMap();
 
