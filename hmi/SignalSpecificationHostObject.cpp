@@ -75,10 +75,11 @@ OwnedArray SignalSpecification::getNVCOSObject(const std::u16string& modelName, 
 
 std::u16string SignalSpecification::getAlignedBlockPath(const std::u16string& modelName) const
 {
-    const OwnedArray object = getNVCOSObject(modelName, false);
+    OwnedArray object = getNVCOSObject(modelName, false);
     if (!object) {
         return {};
     }
+    object = asTemporary(std::move(object));
     const HostCallResult<1> result = callHostNoThrow<1>("getAlignedBlockPath", object.get());
     return nvGetUString(result.outputs[0].get());
 }
