@@ -35,7 +35,7 @@ std::shared_ptr<Payload> copyPayload(const nvArray& value, bool deep)
     const Payload& payload = *value.payload;
     const std::size_t count = payload.dimensions.elementCount();
     auto content = std::visit(
-        [&](const auto& from) -> decltype(payload.content) {
+        [&](const auto& from) -> decltype(Payload::content) {
             using Content = std::decay_t<decltype(from)>;
             if constexpr (std::is_same_v<Content, Numbers>) {
                 const std::size_t size = byteCount(value.valueClass, from.isComplex(), count);
