@@ -44,22 +44,22 @@ std::string describeArgument(const zmsvMessageId& id)
 
 std::string describeArgument(const char* text)
 {
-    return text != nullptr ? quoted(text) : "null";
+    return text != nullptr ? quotedText(text) : "null";
 }
 
 std::string describeArgument(std::string_view text)
 {
-    return quoted(text);
+    return quotedText(text);
 }
 
 std::string describeArgument(std::u16string_view text)
 {
-    return quoted(utf8FromUtf16(text));
+    return quotedText(utf8FromUtf16(text));
 }
 
 std::string describeArgument(const std::vector<std::string>& texts)
 {
-    return bracketed(texts.size(), [&](std::size_t i) { return quoted(texts[i]); });
+    return bracketed(texts.size(), [&](std::size_t i) { return quotedText(texts[i]); });
 }
 
 std::string describeArgument(const SizeList& list)

@@ -92,7 +92,8 @@ std::string describeDiagnostic(const zmsvDiagnostic* diagnostic)
         return name + ", which has ended";
     }
     const DiagnosticMessage& message = *diagnostic->message;
-    return name + " (" + message.id.catalog() + ":" + message.id.key() + ", " + quoted(message.text) + ")";
+    return name + " (" + message.id.catalog() + ":" + message.id.key() + ", " + quotedText(message.text) +
+           ")";
 }
 
 }  // namespace reference_host

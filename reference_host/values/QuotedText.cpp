@@ -37,7 +37,7 @@ bool isContinuation(char character)
 
 }  // namespace
 
-std::string quoted(std::string_view text)
+std::string quotedText(std::string_view text)
 {
     std::size_t end = text.size();
     if (end > longest) {

@@ -87,7 +87,7 @@ bool isRowOfText(const nvArray* value)
 std::string describeAlive(const nvArray* value)
 {
     if (isRowOfText(value)) {
-        return quoted(utf8Text(value));
+        return quotedText(utf8Text(value));
     }
     const bool hasNumbers = isNumeric(value) || value->valueClass == ValueClass::Logical;
     if (hasNumbers && elementCount(value) == 1 && !isComplex(value)) {

@@ -1,0 +1,128 @@
+#include "reference_host/values/ValueContainers.hpp"
+
+#include "host/Containers.hpp"
+#include "reference_host/values/ValueMaking.hpp"
+#include "reference_host/values/ValueReading.hpp"
+#include "tests/reference_host/values/Misuse.hpp"
+#include "tests/support/HostTest.hpp"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace reference_host;
+using ValueContainersTest = HostTest;
+
+OwnedValue makeRecords(std::size_t count)
+{
+    return makeStruct(Dimensions(1, count), {"UUID", "Number"});
+}
+
+TEST_F(ValueContainersTest, AValueInTwoContainersIsAMisuse)
+{
+    expectMisuses(2);
+    const OwnedValue first = makeCells(Dimensions(1, 1));
+    const OwnedValue second = makeRecords(1);
+    nvArray* value = nvCreateDoubleScalar(1);
+    nvSetCell(first.get(), 0, value);
+    const std::string text = misusedWith("ValueIsHeld", [&] { nvSetField(second.get(), 0, "UUID", value); });
+    EXPECT_NE(text.find("nvSetField"), std::string::npos) << text;
+    misusedWith("ValueIsHeld", [&] { nvSetCell(first.get(), 0, value); });
+    EXPECT_EQ(cell(first.get(), 0), value);
+}
+
+TEST_F(ValueContainersTest, SettingASetFieldIsAMisuseThatNamesIt)
+{
+    expectMisuses(1);
+    const OwnedValue records = makeRecords(1);
+    setField(records.get(), 0, "Number", makeDouble(1));
+    const OwnedValue again = makeDouble(2);
+    const std::string text =
+        misusedWith("FieldIsSet", [&] { nvSetField(records.get(), 0, "Number", again.get()); });
+    EXPECT_NE(text.find("Number"), std::string::npos) << text;
+    EXPECT_EQ(scalar(field(records.get(), 0, "Number")), 1.0);
+    EXPECT_EQ(again->ownership, Ownership::Owned);
+}
+
+TEST_F(ValueContainersTest, AContainerCannotHoldItself)
+{
+    expectMisuses(2);
+    const OwnedValue cells = makeCells(Dimensions(1, 1));
+    const OwnedValue records = makeRecords(1);
+    misusedWith("ContainsItself", [&] { nvSetCell(cells.get(), 0, cells.get()); });
+    misusedWith("ContainsItself", [&] { nvReplaceField(records.get(), 0, "UUID", records.get()); });
+}
+
+TEST_F(ValueContainersTest, AContainerInAContainerIsNotWritten)
+{
+    expectMisuses(2);
+    const OwnedValue outer = makeCells(Dimensions(1, 1));
+    nvArray* inner = makeCells(Dimensions(1, 1)).release();
+    setCell(outer.get(), 0, OwnedValue(inner));
+    const OwnedValue element = makeDouble(1);
+    misusedWith("ValueIsHeld", [&] { nvSetCell(inner, 0, element.get()); });
+    // So two containers cannot hold each other either.
+    misusedWith("ValueIsHeld", [&] { nvSetCell(inner, 0, outer.get()); });
+}
+
+TEST_F(ValueContainersTest, ADeadValueIsNotStored)
+{
+    expectMisuses(1);
+    const OwnedValue cells = makeCells(Dimensions(1, 1));
+    nvArray* value = nvCreateDoubleScalar(1);
+    nvDestroyArray(value);
+    misusedWith("ValueIsDead", [&] { nvSetCell(cells.get(), 0, value); });
+}
+
+TEST_F(ValueContainersTest, AReplacedFieldEnds)
+{
+    const OwnedValue records = makeRecords(1);
+    nvArray* former = makeDouble(1).release();
+    setField(records.get(), 0, "Number", OwnedValue(former));
+    replaceField(records.get(), 0, "Number", makeDouble(2));
+    EXPECT_EQ(former->ownership, Ownership::Dead);
+}
+
+TEST_F(ValueContainersTest, AReplacedFieldLivesOnInASharedCopy)
+{
+    const OwnedValue records = makeRecords(1);
+    setField(records.get(), 0, "Number", makeDouble(1));
+    const OwnedValue copy = copyShared(records.get());
+    replaceField(records.get(), 0, "Number", makeDouble(2));
+    EXPECT_EQ(scalar(field(copy.get(), 0, "Number")), 1.0);
+}
+
+TEST_F(ValueContainersTest, FieldsOfEachElementAreApart)
+{
+    const OwnedValue records = makeRecords(3);
+    for (std::size_t i = 0; i < 3; ++i) {
+        setField(records.get(), i, "Number", makeDouble(static_cast<double>(i)));
+    }
+    EXPECT_EQ(scalar(field(records.get(), 2, "Number")), 2.0);
+    EXPECT_EQ(field(records.get(), 2, "UUID"), nullptr);
+}
+
+TEST_F(ValueContainersTest, WhatAContainerRefusesStaysOpenWithItsOwner)
+{
+    const OwnedValue records = makeRecords(1);
+    const OwnedValue value = makeDouble(1);
+    refusedWith("NoSuchField", [&] { nvSetField(records.get(), 0, "Nmber", value.get()); });
+    refusedWith("IndexPastTheEnd", [&] { nvSetField(records.get(), 1, "Number", value.get()); });
+    refusedWith("NoSuchField", [&] { nvSetField(records.get(), 0, nullptr, value.get()); });
+    refusedWith("NullArgument", [&] { nvSetField(records.get(), 0, "Number", nullptr); });
+    refusedWith("WrongClass", [&] { nvSetCell(records.get(), 0, value.get()); });
+    EXPECT_EQ(value->ownership, Ownership::Owned);
+}
+
+TEST_F(ValueContainersTest, TheOlderObjectClassHasFieldsToo)
+{
+    const OwnedValue object = makeStructObject("Old.Widget", Dimensions(1, 1), {"Color"});
+    setField(object.get(), 0, "Color", makeText(std::string_view("red")));
+    EXPECT_TRUE(nvIsStruct(object.get()));
+    EXPECT_FALSE(nvIsA(object.get(), "struct"));
+    EXPECT_TRUE(nvIsA(object.get(), "Old.Widget"));
+    EXPECT_EQ(nvArrayToStdString(nvGetField(object.get(), 0, "Color")), "red");
+    EXPECT_EQ(className(copyDeep(object.get()).get()), "Old.Widget");
+}
+
+}  // namespace
