@@ -160,8 +160,8 @@ TEST_F(GetAlignedBlockPathTest, AnythingButOneSignalIsAnError)
 {
     const OwnedValue signal = makeSignal(u"plant:2", u"");
     const OwnedValue number = reference_host::makeDouble(1.0);
-    for (const std::vector<const nvArray*>& inputs : std::vector<std::vector<const nvArray*>>{
-             {}, {nullptr}, {number.get()}, {signal.get(), signal.get()}}) {
+    for (const std::vector<const nvArray*>& inputs :
+         std::vector<std::vector<const nvArray*>>{{}, {number.get()}, {signal.get(), signal.get()}}) {
         hostError("InvalidSignal", [&] { call(inputs); });
     }
 }

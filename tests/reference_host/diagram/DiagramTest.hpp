@@ -75,7 +75,7 @@ protected:
         }
         EXPECT_EQ(std::get<std::string>(arguments[0]), "test.ssd");
         EXPECT_EQ(std::get<std::uint64_t>(arguments[1]), line);
-        const std::string reason = std::get<std::string>(arguments[2]);
+        std::string reason = std::get<std::string>(arguments[2]);
         EXPECT_EQ(error->what(), "test.ssd:" + std::to_string(line) + ": " + reason);
         return reason;
     }

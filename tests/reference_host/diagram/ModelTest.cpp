@@ -7,7 +7,6 @@
 
 using reference_host::Block;
 using reference_host::BlockKind;
-using reference_host::Connection;
 using reference_host::Model;
 using reference_host::PortKind;
 
@@ -71,7 +70,7 @@ TEST_F(ModelTest, HandlesAreUniqueAcrossModelsAndNeverZero)
 
 TEST_F(ModelTest, FindsByPathZidNumberAndHandle)
 {
-    Block& gain = component(subsystem(m_root, u"Controller"), u"Gain");
+    const Block& gain = component(subsystem(m_root, u"Controller"), u"Gain");
     EXPECT_EQ(m_model.findByPath(u"Controller/Gain"), &gain);
     EXPECT_EQ(m_model.findByZid("plant:2"), &gain);
     EXPECT_EQ(m_model.findByZid("2"), &gain);
@@ -122,7 +121,7 @@ TEST_F(ModelTest, NamesThatWouldNotSurviveAsPathsAreRefused)
     for (const char16_t* name : {u"", u"a/b", u"a:b", u"/", u":"}) {
         hostError("InvalidName", [&] { component(m_root, name); });
         hostError("InvalidName", [&] { m_model.rename(block, name); });
-        hostError("InvalidName", [&] { Model model(name); });
+        hostError("InvalidName", [&] { const Model model(name); });
     }
     EXPECT_EQ(m_model.blockCount(), 1U);
     EXPECT_EQ(block.path(), u"plant/A");
@@ -158,7 +157,7 @@ TEST_F(ModelTest, SystemOfAnotherModelTakesNoBlocks)
 TEST_F(ModelTest, RenamedSystemTakesItsBlocksAlong)
 {
     Block& controller = subsystem(m_root, u"Controller");
-    Block& gain = component(controller, u"Gain");
+    const Block& gain = component(controller, u"Gain");
     const double handle = gain.handle();
     m_model.rename(controller, u"Regler");
     EXPECT_EQ(gain.path(), u"plant/Regler/Gain");
@@ -255,7 +254,7 @@ TEST_F(ModelTest, MovedBlockLeavesItsConnectionsBehind)
 {
     Block& to = subsystem(m_root, u"To");
     Block& gain = component(m_root, u"Gain");
-    Block& limiter = component(m_root, u"Limiter");
+    const Block& limiter = component(m_root, u"Limiter");
     m_root.addConnection({{&gain, u"", u"out"}, {&limiter, u"", u"in"}});
     m_root.addConnection({{&limiter, u"", u"out"}, {&m_root, u"", u"out"}});
     m_model.move(gain, to);
@@ -278,7 +277,7 @@ TEST_F(ModelTest, PortsAreKeptByKindInOrder)
 
 TEST_F(ModelTest, NamesOutsideTheBasicPlaneAreFoundAgain)
 {
-    Block& tank = component(subsystem(m_root, u"灌漑"), u"𠮷田タンク");
+    const Block& tank = component(subsystem(m_root, u"灌漑"), u"𠮷田タンク");
     EXPECT_EQ(tank.path(), u"plant/灌漑/𠮷田タンク");
     EXPECT_EQ(m_model.findByPath(u"灌漑/𠮷田タンク"), &tank);
 }
@@ -286,7 +285,7 @@ TEST_F(ModelTest, NamesOutsideTheBasicPlaneAreFoundAgain)
 TEST_F(ModelTest, ZidOfAModelWithANameOutsideAsciiIsUtf8)
 {
     Model greenhouse(u"Gewächshaus");
-    Block& fan = greenhouse.add(greenhouse.root(), u"Fan", BlockKind::Component);
+    const Block& fan = greenhouse.add(greenhouse.root(), u"Fan", BlockKind::Component);
     EXPECT_EQ(fan.zid(), "Gewächshaus:1");
     EXPECT_EQ(greenhouse.findByZid("Gewächshaus:1"), &fan);
 }

@@ -25,6 +25,7 @@ protected:
     static std::vector<std::u16string> names(const std::vector<Port>& ports)
     {
         std::vector<std::u16string> all;
+        all.reserve(ports.size());
         for (const Port& port : ports) {
             all.push_back(port.name);
         }
