@@ -3,8 +3,8 @@
 #include "host/Exceptions.hpp"
 #include "reference_host/calls/Faults.hpp"
 #include "reference_host/calls/Journal.hpp"
-#include "reference_host/calls/Ledger.hpp"
 #include "tests/streamout/VirtualSlot.hpp"
+#include "tests/support/HostTest.hpp"
 
 #include <gtest/gtest.h>
 
@@ -59,20 +59,10 @@ EveryThird contextFor(const std::u16string& filePath)
     return {filePath, u"plant", "domain", u"plant/Record", {}};
 }
 
-/// Keeps a journal of what the context asks of the host, and closes the ledger after each test.
-class FileRecordingContextTest : public testing::Test {
+/// Keeps a journal of what the context asks of the host.
+class FileRecordingContextTest : public reference_host::HostTest {
 protected:
     FileRecordingContextTest() { reference_host::Journal::startRecording(); }
-    FileRecordingContextTest(const FileRecordingContextTest&) = delete;
-    FileRecordingContextTest& operator=(const FileRecordingContextTest&) = delete;
-    ~FileRecordingContextTest() override { reference_host::Journal::stopRecording(); }
-
-    void TearDown() override
-    {
-        for (const std::string& line : reference_host::Ledger::openSince(m_before)) {
-            ADD_FAILURE() << "left open: " << line;
-        }
-    }
 
     /// What the context asked of the host, each call as a line.
     static std::vector<std::string> hostCalls()
@@ -83,9 +73,6 @@ protected:
         }
         return calls;
     }
-
-private:
-    reference_host::Ledger::Snapshot m_before = reference_host::Ledger::snapshot();
 };
 
 TEST_F(FileRecordingContextTest, VirtualOperationsStandInTheirSlots)
