@@ -24,16 +24,18 @@ void BoundaryCall::failed(const char* what) noexcept
 {
     if (m_openCall != nullptr) {
         try {
-            noteText(std::string("threw: ") + what);
+            m_openCall->entry.result = std::string("threw: ") + what;
         } catch (const std::exception&) {
-            noteText("threw");
+            m_openCall->entry.result = "threw";
         }
     }
 }
 
 void BoundaryCall::noteText(std::string text) noexcept
 {
-    m_openCall->entry.result = std::move(text);
+    if (m_openCall->entry.result.empty()) {
+        m_openCall->entry.result = std::move(text);
+    }
 }
 
 void BoundaryCall::strikeWatched()

@@ -98,7 +98,7 @@ public:
     enum class Fault : std::uint8_t { None, Null, Diagnostic };
     Fault fault() const noexcept { return m_fault; }
 
-    /// Notes a result for the journal. `run` does it for what the body returns.
+    /// Notes a result for the journal; the first one stays. `run` does it for what the body returns.
     template <class Result>
     void note(const Result& result) noexcept
     {

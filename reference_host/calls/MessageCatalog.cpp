@@ -25,7 +25,8 @@ struct CatalogRow {
 
 constexpr CatalogRow initialRows[] = {
     {libraryCatalog, "InvalidElementIndex", "The index is not that of an element; there are {0} elements."},
-    {libraryCatalog, "SignalObserversSetParamInvalidType", "The observers parameter must be an object of class Zelmar.HMI.ModelObservers."},
+    {libraryCatalog, "SignalObserversSetParamInvalidType",
+     "The observers parameter must be an object of class Zelmar.HMI.ModelObservers."},
     {libraryCatalog, "SignalObserversSetParamNonScalar", "The observers parameter must be a single value."},
 
     {hostCatalog, "ValueIsDead", "{0}: the value was destroyed before: {1}"},
