@@ -1,0 +1,17 @@
+#ifndef ZM_PYTHON_BINDINGS_HPP
+#define ZM_PYTHON_BINDINGS_HPP
+
+#include <pybind11/pybind11.h>
+
+/// What each source adds to the module `zmhost._zmhost`. The package `zmhost` gives it its shape.
+namespace zmhost {
+
+void bindValues(pybind11::module_& module);
+void bindClasses(pybind11::module_& module);
+void bindCalls(pybind11::module_& module);
+void bindDiagram(pybind11::module_& module);
+void bindReports(pybind11::module_& module);
+
+}  // namespace zmhost
+
+#endif

@@ -1,0 +1,139 @@
+"""The reference host as a Python module.
+
+    import zmhost
+    from zmhost import Zelmar                   # the namespaces that the library registered
+
+    model = zmhost.open_model("diagram.ssd")
+    signals = Zelmar.HMI.InstrumentedSignals(model.name)
+    signals.add(Zelmar.HMI.SignalSpecification(BlockPath_="Controller/Limiter", OutputPortIndex_=1))
+
+Methods and properties carry the host's names and count from 1. Text is `str`, a number `float`, `int` or
+`bool`, the empty value `None`; a struct array is a sequence of mappings (`StructArray`), a cell array a
+list (`CellArray` where it is no row), an array of numbers a `Matrix`. On the way to the host a mapping is
+a struct, a list of mappings a struct array, any other list a cell array.
+
+A host error is a `HostError`, a host warning a `HostWarning`, which Python's warning filters govern.
+
+The host has one thread: Python's lock is held during its calls.
+"""
+
+from __future__ import annotations
+
+import atexit
+import os
+import sys
+from collections.abc import Callable
+from typing import TYPE_CHECKING, Any, TypeVar
+
+from zmhost import _classes, _library, _zmhost, faults
+from zmhost._classes import HostObject, Namespace, ObjectArray
+from zmhost._errors import ElementIndexError, HostError, HostWarning
+from zmhost._reports import Journal, Ledger, WarningSink, journal, ledger, log_host_calls
+from zmhost._values import CellArray, Matrix, Struct, StructArray
+from zmhost._zmhost import Block, Chart, ChartObject, Connection, Model, Port, Value, models, open_model
+
+if TYPE_CHECKING:
+    Zelmar: Namespace
+
+__all__ = [
+    "Block",
+    "CellArray",
+    "Chart",
+    "ChartObject",
+    "Connection",
+    "ElementIndexError",
+    "HostError",
+    "HostObject",
+    "HostWarning",
+    "Journal",
+    "Ledger",
+    "Matrix",
+    "Model",
+    "Namespace",
+    "ObjectArray",
+    "Port",
+    "Struct",
+    "StructArray",
+    "Value",
+    "WarningSink",
+    "call",
+    "faults",
+    "get_property",
+    "host_function",
+    "host_functions",
+    "journal",
+    "ledger",
+    "log_host_calls",
+    "models",
+    "open_model",
+    "remove_host_function",
+    "set_property",
+    "warnings",
+]
+
+warnings = WarningSink()
+
+_Function = TypeVar("_Function", bound=Callable[..., Any])
+
+
+def call(name: str, *arguments: Any, outputs: int = 1) -> Any:
+    """Calls a host function, a class constructor or a static method by its full name."""
+    _library.load()
+    return _zmhost.call_function(name, arguments, outputs)
+
+
+def host_function(name: str, *, replace: bool = False) -> Callable[[_Function], _Function]:
+    """Makes a function a host function of that name, which the library may call.
+
+    Its result is the first output, a tuple the first few; None leaves an output unset. What it raises
+    becomes a host error. `replace` is needed where the name is taken.
+    """
+
+    def define(function: _Function) -> _Function:
+        _zmhost.define_function(name, function, replace)
+        return function
+
+    return define
+
+
+def remove_host_function(name: str) -> None:
+    """Takes away what `host_function` made; a function that it replaced comes back."""
+    if not _zmhost.remove_function(name):
+        raise LookupError(f"no script has defined a host function {name!r}")
+
+
+def host_functions() -> list[str]:
+    """The names of the host functions."""
+    return _zmhost.function_names()
+
+
+def get_property(instance: HostObject, name: str) -> Any:
+    """A property by its name."""
+    return _zmhost.get_property(instance.__host_value__(), name)
+
+
+def set_property(instance: HostObject, name: str, value: Any) -> None:
+    """Assigns a property as host code does, whether or not scripts may."""
+    _zmhost.set_property(instance.__host_value__(), name, value)
+
+
+if not TYPE_CHECKING:
+
+    def __getattr__(name: str) -> Namespace:
+        if not name.startswith("_") and name in _classes.top_level_names():
+            return _classes.namespace_named(name)
+        raise AttributeError(f"module {__name__!r} has no attribute {name!r}")
+
+
+def __dir__() -> list[str]:
+    return sorted({*globals(), *_classes.top_level_names()})
+
+
+@atexit.register
+def _shut_down() -> None:
+    """Ends what scripts have left behind. What is open then was left open by native code: the program
+    lists it and fails."""
+    if _zmhost.shut_down(0) != 0:
+        sys.stdout.flush()
+        sys.stderr.flush()
+        os._exit(3)

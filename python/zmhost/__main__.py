@@ -1,0 +1,98 @@
+"""python3 -m zmhost: runs a script with the host, or opens a prompt."""
+
+from __future__ import annotations
+
+import argparse
+import code
+import gc
+import os
+import sys
+import traceback
+import types
+from typing import Any
+
+import zmhost
+from zmhost import _classes
+
+BANNER = """zmhost: the host's own prompt. Python, with these at hand:
+  {names}
+Try
+  model = zmhost.open_model("examples/greenhouse.ssd")
+  dir({hint}), help({hint}), print(zmhost.ledger())
+Ctrl-D leaves."""
+
+
+def _parse(arguments: list[str]) -> argparse.Namespace:
+    parser = argparse.ArgumentParser(
+        prog="python3 -m zmhost", description="Runs a script with the host; without one, opens a prompt."
+    )
+    parser.add_argument(
+        "--log-host-calls", action="store_true", help="write every call across the host's boundary to stderr"
+    )
+    parser.add_argument("script", nargs="?", help="a Python script")
+    parser.add_argument("arguments", nargs=argparse.REMAINDER, help="its arguments, such as diagrams (.ssd)")
+    return parser.parse_args(arguments)
+
+
+def _print_error(error: BaseException) -> None:
+    """As Python does, without our own frame."""
+    below = error.__traceback__.tb_next if error.__traceback__ is not None else None
+    traceback.print_exception(type(error), error, below)
+
+
+def _run_script(path: str, arguments: list[str]) -> int:
+    """Runs the script as the main program; its exit code."""
+    try:
+        with open(path, "rb") as file:
+            source = file.read()
+    except OSError as error:
+        print(f"zmhost: cannot read {path}: {error.strerror}", file=sys.stderr)
+        return 2
+    sys.argv = [path, *arguments]
+    sys.path.insert(0, os.path.dirname(os.path.abspath(path)))
+    module = types.ModuleType("__main__")
+    module.__file__ = path
+    sys.modules["__main__"] = module
+    try:
+        exec(compile(source, path, "exec"), module.__dict__)
+    except SystemExit:
+        raise
+    except KeyboardInterrupt as error:
+        _print_error(error)
+        return 130
+    except Exception as error:
+        _print_error(error)
+        return 1
+    finally:
+        module.__dict__.clear()
+        gc.collect()
+    return 0
+
+
+def _open_prompt() -> None:
+    names: dict[str, Any] = {"zmhost": zmhost}
+    names.update({name: getattr(zmhost, name) for name in _classes.top_level_names()})
+    try:
+        import readline
+        import rlcompleter
+
+        readline.set_completer(rlcompleter.Completer(names).complete)
+        readline.parse_and_bind("tab: complete")
+    except ImportError:
+        pass  # line editing is a comfort
+    hint = ".".join(["Zelmar", "HMI"]) if "Zelmar" in names else "zmhost"
+    code.interact(BANNER.format(names=", ".join(names), hint=hint), local=names, exitmsg="")
+
+
+def main() -> int:
+    options = _parse(sys.argv[1:])
+    if options.log_host_calls:
+        zmhost.log_host_calls()
+    if options.script is not None:
+        return _run_script(options.script, options.arguments)
+    _open_prompt()
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
