@@ -34,7 +34,9 @@ template <class Collection>
 std::pair<OwnedArray, Collection*> newHostObject(const char* hostClass)
 {
     OwnedArray object = std::move(callHost<1>(hostClass)[0]);
-    Collection* collection = nativeCollection<Collection>(object.get());
+    // Host code may have put something else in the place of the class.
+    Collection* collection =
+        isValidType(object.get(), hostClass) ? nativeCollection<Collection>(object.get()) : nullptr;
     if (collection == nullptr) {
         throw std::runtime_error(std::string("the host made an object without a collection: ") + hostClass);
     }
