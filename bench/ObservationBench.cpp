@@ -7,6 +7,7 @@
 #include <benchmark/benchmark.h>
 #include <boost/make_shared.hpp>
 
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <vector>
@@ -71,6 +72,11 @@ std::unique_ptr<Signals> filledSignals(std::size_t count)
     return signals;
 }
 
+std::size_t sizeOf(const benchmark::State& state)
+{
+    return std::max<std::size_t>(1, static_cast<std::size_t>(state.range(0)));
+}
+
 // Strides through the signals, so that neighbours in memory do not answer.
 std::size_t next(std::size_t i, std::size_t count)
 {
@@ -80,7 +86,7 @@ std::size_t next(std::size_t i, std::size_t count)
 template <class Signals>
 void cachedQuery(benchmark::State& state, bool hit)
 {
-    const auto count = static_cast<std::size_t>(state.range(0));
+    const std::size_t count = sizeOf(state);
     const auto signals = filledSignals<Signals>(count);
     const Signals& asked = *signals;
     std::size_t i = 0;
@@ -106,7 +112,7 @@ void cachedMiss(benchmark::State& state)
 template <class Signals>
 void fullQuery(benchmark::State& state)
 {
-    const auto count = static_cast<std::size_t>(state.range(0));
+    const std::size_t count = sizeOf(state);
     const auto signals = filledSignals<Signals>(count);
     std::vector<std::u16string> paths(count);
     for (std::size_t i = 0; i < count; ++i) {
@@ -122,7 +128,7 @@ void fullQuery(benchmark::State& state)
 template <class Signals>
 void add(benchmark::State& state)
 {
-    const std::vector<SignalSpecificationPtr> records = makeSignals(static_cast<std::size_t>(state.range(0)));
+    const std::vector<SignalSpecificationPtr> records = makeSignals(sizeOf(state));
     for (auto _ : state) {
         auto signals = emptySignals<Signals>();
         for (const SignalSpecificationPtr& record : records) {
@@ -148,7 +154,7 @@ void loadInto(bench::PlainSignals& signals, const nvArray* data)
 template <class Signals>
 void load(benchmark::State& state)
 {
-    const std::vector<SignalSpecificationPtr> records = makeSignals(static_cast<std::size_t>(state.range(0)));
+    const std::vector<SignalSpecificationPtr> records = makeSignals(sizeOf(state));
     const std::size_t count = records.size();
     const OwnedArray data(nvCreateStructArray(1, &count, SignalSpecification::getNumStructFields(false),
                                               SignalSpecification::getStructFields()));
