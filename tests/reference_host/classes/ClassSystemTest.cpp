@@ -8,7 +8,6 @@ namespace {
 using test_classes::addClass;
 using test_classes::addInner;
 using test_classes::addNamespace;
-using test_classes::ClassScript;
 using test_classes::findNamespace;
 using test_classes::NamespaceScript;
 
@@ -88,7 +87,6 @@ TEST_F(ClassSystemTest, AContributedClassIsThereWhileTheNamespaceIsDefined)
 
 TEST_F(ClassSystemTest, ContributingDefinesNothing)
 {
-    NamespaceScript inner;
     NamespaceScript outer;
     addNamespace("A", outer);
     ClassSystem::contributeClass("A.B", makePlainClass);

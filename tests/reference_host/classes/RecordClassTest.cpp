@@ -72,7 +72,7 @@ TEST_F(RecordClassTest, ObjectsKeepTheirOwnValues)
 TEST_F(RecordClassTest, AnAssignedValueIsCopied)
 {
     const OwnedValue card = makeCard();
-    OwnedValue value = makeNumber(4.0, nvClassID::UInt32);
+    const OwnedValue value = makeNumber(4.0, nvClassID::UInt32);
     ClassObjects::setProperty(card.get(), "Even", value.get());
     setElement(value.get(), 0, 6.0);
     EXPECT_EQ(read(card, "Even"), "uint32 4");
@@ -115,14 +115,15 @@ TEST_F(RecordClassTest, AComputedPropertyIsWorkedOutOnEachReading)
 TEST_F(RecordClassTest, AComputedPropertyIsReadOnlyAndIgnoresAssignment)
 {
     const OwnedValue card = makeCard();
-    EXPECT_EQ(describeProperty("A.Card", "Label")->access, nvcos::COSPropAccess::ScriptReadOnly);
+    EXPECT_EQ(describeProperty("A.Card", "Label").value_or(PropertyDescription{}).access,
+              nvcos::COSPropAccess::ScriptReadOnly);
     ClassObjects::setProperty(card.get(), "Label", makeText(u"other").get());
     EXPECT_EQ(read(card, "Label"), "\"named \"");
 }
 
 TEST_F(RecordClassTest, IsConstructedFromAnyOfItsFields)
 {
-    OwnedValue fields = makeFields({"Weight", "Name"});
+    const OwnedValue fields = makeFields({"Weight", "Name"});
     setField(fields.get(), 0, "Weight", makeDouble(1.0));
     setField(fields.get(), 0, "Name", makeText(u"box"));
     const OwnedValue card = makeCard(fields.get());
@@ -151,7 +152,7 @@ TEST_F(RecordClassTest, AComputedPropertyIsNoField)
 
 TEST_F(RecordClassTest, AFieldOfTheWrongTypeIsAnErrorThatNamesTheProperty)
 {
-    OwnedValue fields = makeFields({"Weight"});
+    const OwnedValue fields = makeFields({"Weight"});
     setField(fields.get(), 0, "Weight", makeText(u"heavy"));
     EXPECT_EQ(hostError([&] { makeCard(fields.get()); }, {"A.Card.Weight", "\"heavy\""}), "WrongValue");
 }

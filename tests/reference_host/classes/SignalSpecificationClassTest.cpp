@@ -119,7 +119,7 @@ TEST_F(SignalSpecificationClassTest, ExcludeForSaveStaysLogical)
 TEST_F(SignalSpecificationClassTest, DomainParametersAreAStructOrEmpty)
 {
     const OwnedValue specification = make();
-    OwnedValue parameters = makeStruct({std::size_t{1}, std::size_t{1}}, {"KZID"});
+    const OwnedValue parameters = makeStruct({std::size_t{1}, std::size_t{1}}, {"KZID"});
     setField(parameters.get(), 0, "KZID", makeText(u"7"));
     ClassObjects::setProperty(specification.get(), "DomainParams_", parameters.get());
     EXPECT_EQ(read(specification, "DomainParams_"), "1x1 struct {KZID}");
@@ -142,7 +142,7 @@ TEST_F(SignalSpecificationClassTest, TheCachedPortIsNumbersOrEmpty)
 
 TEST_F(SignalSpecificationClassTest, IsConstructedFromAStructOfAnyFields)
 {
-    OwnedValue fields = makeStruct({std::size_t{1}, std::size_t{1}}, {"BlockPath_", "HideInDVX_"});
+    const OwnedValue fields = makeStruct({std::size_t{1}, std::size_t{1}}, {"BlockPath_", "HideInDVX_"});
     setField(fields.get(), 0, "BlockPath_", makeText(u"plant/Gain"));
     setField(fields.get(), 0, "HideInDVX_", makeDouble(1.0));
     const OwnedValue specification = ClassObjects::construct(className, {fields.get()});
