@@ -1,7 +1,10 @@
 #include "reference_host/classes/ClassRegistry.hpp"
 
 #include "reference_host/classes/ClassError.hpp"
+#include "reference_host/classes/InterfaceManager.hpp"
 #include "reference_host/classes/Interning.hpp"
+#include "reference_host/classes/ModelObserversClass.hpp"
+#include "reference_host/classes/SignalClientClass.hpp"
 #include "reference_host/classes/SignalSpecificationClass.hpp"
 
 #include <algorithm>
@@ -33,7 +36,10 @@ ClassRegistry::ClassRegistry()
 
 void ClassRegistry::contributeBuiltInClasses()
 {
-    m_contributions.push_back({"Zelmar.HMI", makeSignalSpecificationClass});
+    for (const auto& makeInfo : {makeSignalSpecificationClass, makeSignalClientClass, makeModelObserversClass,
+                                 makeInterfaceManagerClass}) {
+        m_contributions.push_back({"Zelmar.HMI", makeInfo});
+    }
 }
 
 Namespace* ClassRegistry::findTopLevel(const std::string& simpleName) const

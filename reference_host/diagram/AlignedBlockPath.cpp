@@ -47,14 +47,17 @@ void getAlignedBlockPath(HostFunctionCall& call)
 
 std::u16string alignedBlockPath(const std::string& zid, const std::u16string& path)
 {
-    Block* block = findByAnyZid(zid, path);
-    if (block == nullptr) {
-        block = OpenModels::findByPath(path);
-    }
+    const Block* block = alignedBlock(zid, path);
     if (block == nullptr) {
         throw diagramError("UnknownBlock", {toUtf8(path), zid});
     }
     return block->path();
+}
+
+Block* alignedBlock(const std::string& zid, const std::u16string& path)
+{
+    Block* block = findByAnyZid(zid, path);
+    return block != nullptr ? block : OpenModels::findByPath(path);
 }
 
 void installDiagramFunctions()

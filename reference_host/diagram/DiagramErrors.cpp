@@ -42,6 +42,7 @@ constexpr std::array messages{
     Message{"ModelAlreadyOpen", "A model named \"{0}\" is open already."},
     Message{"ModelNotOpen", "No model named \"{0}\" is open."},
     Message{"UnknownBlock", "No open model has the block \"{0}\" (ZID \"{1}\")."},
+    Message{"InvalidClients", "{0} takes one object of class \"{1}\"."},
     Message{"InvalidSignal", "{0} takes one signal, an object of class \"{1}\"."},
 };
 

@@ -3,6 +3,7 @@
 
 #include "reference_host/Export.hpp"
 #include "reference_host/diagram/Block.hpp"
+#include "reference_host/values/Value.hpp"
 
 #include <cstddef>
 #include <cstdint>
@@ -60,6 +61,15 @@ public:
     Block* findByNumber(std::uint32_t number) const;
     Block* findByHandle(double handle) const;
 
+    /// The observers parameter: one object of class "Zelmar.HMI.ModelObservers", the pair of the model's
+    /// instrumented signals and its streaming clients; null when it is not set. Closing the model ends it.
+    OwnedValue observers() const;
+
+    /// Sets the parameter to a copy, which refers to the same pair; null and an empty value end it. A
+    /// value that is not of one element is the host error "SignalObserversSetParamNonScalar", one of
+    /// another class "SignalObserversSetParamInvalidType"; nothing has changed then.
+    void setObservers(const nvArray* value);
+
 private:
     friend class OpenModels;
     void setName(std::u16string name);  // an open model is renamed by OpenModels, which knows the others
@@ -68,6 +78,7 @@ private:
     std::uint32_t m_lastNumber = 0;
     std::unordered_map<std::uint32_t, Block*> m_byNumber;
     std::unordered_map<double, Block*> m_byHandle;
+    OwnedValue m_observers;
 };
 
 }  // namespace reference_host

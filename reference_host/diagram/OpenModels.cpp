@@ -76,11 +76,16 @@ void OpenModels::add(std::shared_ptr<Model> model)
 
 void OpenModels::close(const std::u16string& name)
 {
-    models().erase(findOpen(name));
+    const auto found = findOpen(name);
+    found->second->setObservers(nullptr);
+    models().erase(found);
 }
 
 void OpenModels::closeAll() noexcept
 {
+    for (const auto& entry : models()) {
+        entry.second->m_observers.reset();
+    }
     models().clear();
 }
 

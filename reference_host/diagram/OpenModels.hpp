@@ -15,7 +15,8 @@
 namespace reference_host {
 
 /// The models that are open in the process, one of a name. Host functions answer from them. A model is
-/// shared with whoever holds it: closing takes it out of here and leaves it usable. Main thread only.
+/// shared with whoever holds it: closing takes it out of here and leaves it usable, but for its observers
+/// parameter, which ends. Main thread only.
 class ZM_REFHOST_API OpenModels {
 public:
     OpenModels() = delete;

@@ -1,0 +1,44 @@
+#ifndef ZM_REFERENCE_HOST_CLASSES_INTERFACE_MANAGER_HPP
+#define ZM_REFERENCE_HOST_CLASSES_INTERFACE_MANAGER_HPP
+
+#include "host/ClassDescriptors.hpp"
+#include "reference_host/Export.hpp"
+#include "reference_host/calls/HostFunctions.hpp"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace reference_host {
+
+inline constexpr const char* interfaceManagerClass = "Zelmar.HMI.InterfaceMgr";
+
+/// The host's interface manager: who in a host with windows would have them follow a model's new name.
+/// This one keeps the announcements, so that scripts and tests can look at them. One for the process;
+/// its objects are handles without data of their own. Main thread only.
+class ZM_REFHOST_API InterfaceManager {
+public:
+    InterfaceManager() = delete;
+
+    struct Rename {
+        std::u16string oldName;
+        std::u16string newName;
+    };
+
+    /// The renames announced so far, the first one first.
+    static const std::vector<Rename>& renames() noexcept;
+    static void forgetRenames() noexcept;
+
+    /// The host function "renameModel": takes a manager, the old name and the new one. Other arguments
+    /// are a host error ("WrongArgument").
+    static void renameModel(HostFunctionCall& call);
+};
+
+/// The host's class "InterfaceMgr", which the host contributes to the namespace "Zelmar.HMI". Its static
+/// method "getInterfaceMgr" gives the manager; the property "Renames" is a struct array with the fields
+/// "OldName" and "NewName".
+ZM_REFHOST_API std::unique_ptr<nvcos::COSClassInfo> makeInterfaceManagerClass();
+
+}  // namespace reference_host
+
+#endif

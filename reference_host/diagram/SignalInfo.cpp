@@ -1,0 +1,68 @@
+#include "reference_host/diagram/SignalInfo.hpp"
+
+#include "host/Text.hpp"
+#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/diagram/AlignedBlockPath.hpp"
+#include "reference_host/diagram/CollectionAccess.hpp"
+#include "reference_host/diagram/OpenModels.hpp"
+#include "reference_host/values/ValueMaking.hpp"
+#include "reference_host/values/ValueReading.hpp"
+
+namespace reference_host {
+
+namespace {
+
+std::shared_ptr<Model> modelOfClient(const nvArray* client)
+{
+    const std::u16string path = textInCells(client, "ModelPath_", 0);
+    std::shared_ptr<Model> model = OpenModels::find(path.substr(0, path.find(u'/')));
+    return model != nullptr ? model : OpenModels::find(textOf(client, "SourceModel_"));
+}
+
+OwnedValue findSignal(const nvArray* signals, const std::string& uuid)
+{
+    const std::size_t count = elementsIn(signals);
+    for (std::size_t i = 0; i < count; ++i) {
+        if (signalUUID(signals, i) == uuid) {
+            return elementAt(signals, i);
+        }
+    }
+    return nullptr;
+}
+
+/// Handle and port as the diagram has them; empty where there is no such port.
+void fillCachedPort(nvArray* signal)
+{
+    const Block* block = alignedBlock(toUtf8(textOf(signal, "ZID_")), textOf(signal, "BlockPath_"));
+    const double port = scalar(ClassObjects::getProperty(signal, "OutputPortIndex_").get());
+    const bool isThere =
+        block != nullptr && port >= 1.0 && port <= static_cast<double>(block->ports(PortKind::Output).size());
+    const OwnedValue handle = isThere ? makeDouble(block->handle()) : makeEmptyValue();
+    const OwnedValue index = isThere ? makeDouble(port) : makeEmptyValue();
+    ClassObjects::setProperty(signal, "CachedBlockHandle_", handle.get());
+    ClassObjects::setProperty(signal, "CachedPortIdx_", index.get());
+}
+
+}  // namespace
+
+OwnedValue signalInfo(const nvArray* client)
+{
+    const std::string uuid = toUtf8(textOf(client, "SignalUUID_"));
+    const std::shared_ptr<Model> model = modelOfClient(client);
+    const OwnedValue signals = model != nullptr ? signalsOf(*model) : nullptr;
+    if (uuid.empty() || !signals) {
+        return nullptr;
+    }
+    OwnedValue signal = findSignal(signals.get(), uuid);
+    if (signal) {
+        fillCachedPort(signal.get());
+    }
+    return signal;
+}
+
+void getSignalInfo(HostFunctionCall& call)
+{
+    call.setOutput(0, signalInfo(call.input(0)));
+}
+
+}  // namespace reference_host
