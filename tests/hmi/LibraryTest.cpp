@@ -40,6 +40,27 @@ void fail(rh::HostFunctionCall& /*call*/)
     throwTestError("Refused");
 }
 
+std::vector<rh::FaultKind> everyFaultKind()
+{
+    return {rh::FaultKind::OutOfMemory, rh::FaultKind::HostException, rh::FaultKind::Diagnostic,
+            rh::FaultKind::Null};
+}
+
+std::string nameOfFaultKind(const testing::TestParamInfo<rh::FaultKind>& test)
+{
+    switch (test.param) {
+        case rh::FaultKind::OutOfMemory:
+            return "OutOfMemory";
+        case rh::FaultKind::HostException:
+            return "HostException";
+        case rh::FaultKind::Diagnostic:
+            return "Diagnostic";
+        case rh::FaultKind::Null:
+            return "Null";
+    }
+    return "Unknown";
+}
+
 std::vector<std::string> journaledArguments(const std::string& operation, std::size_t position)
 {
     std::vector<std::string> arguments;

@@ -1,6 +1,7 @@
 #ifndef ZM_TESTS_HMI_LIBRARY_TEST_HPP
 #define ZM_TESTS_HMI_LIBRARY_TEST_HPP
 
+#include "reference_host/calls/Faults.hpp"
 #include "reference_host/calls/HostFunctions.hpp"
 #include "reference_host/calls/Journal.hpp"
 #include "tests/support/HostTest.hpp"
@@ -28,6 +29,10 @@ private:
 
 /// A host function that fails, with the key "Refused".
 [[noreturn]] void fail(reference_host::HostFunctionCall& call);
+
+/// For tests that are run once for every way in which an operation can fail.
+std::vector<reference_host::FaultKind> everyFaultKind();
+std::string nameOfFaultKind(const testing::TestParamInfo<reference_host::FaultKind>& test);
 
 /// The argument at `position` of every call of the operation in the journal, in order.
 std::vector<std::string> journaledArguments(const std::string& operation, std::size_t position);

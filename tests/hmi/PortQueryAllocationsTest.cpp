@@ -1,0 +1,138 @@
+#include "hmi/InstrumentedSignals.hpp"
+
+#include "host/Text.hpp"
+#include "tests/hmi/LibraryTest.hpp"
+#include "tests/hmi/SignalValues.hpp"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstddef>
+#include <cstdlib>
+#include <new>
+#include <string>
+
+// In an executable of its own, whose operator new counts.
+
+namespace {
+
+std::atomic<std::size_t> allocations{0};
+
+}  // namespace
+
+void* operator new(std::size_t size)
+{
+    ++allocations;
+    if (void* block = std::malloc(size)) {
+        return block;
+    }
+    throw std::bad_alloc();
+}
+
+void operator delete(void* block) noexcept
+{
+    std::free(block);
+}
+
+void operator delete(void* block, std::size_t /*size*/) noexcept
+{
+    std::free(block);
+}
+
+namespace zm_hmi {
+namespace {
+
+template <class Action>
+std::size_t allocationsOf(Action action)
+{
+    const std::size_t before = allocations;
+    action();
+    return allocations - before;
+}
+
+class PortQueryAllocations : public LibraryTest {
+protected:
+    void SetUp() override
+    {
+        LibraryTest::SetUp();
+        m_signals.setModelName(u"plant");
+        for (int i = 1; i <= 100; ++i) {
+            m_signals.add(
+                makeSignal({.blockPath = m_path, .outputPort = i, .cachedHandle = i + 0.1, .cachedPort = i}));
+        }
+    }
+
+    // Far longer than what fits in a string itself.
+    const std::u16string m_path = u"Greenhouse/Climate/Controller/Temperature/Limiter";
+    InstrumentedSignals m_signals;
+};
+
+TEST_F(PortQueryAllocations, CountingCounts)
+{
+    EXPECT_EQ(allocationsOf([] { ::operator delete(::operator new(8)); }), 1U);
+    EXPECT_GT(allocationsOf([&] { toUtf8(m_path); }), 0U) << "also those of the host";
+}
+
+TEST_F(PortQueryAllocations, CachedHashAllocatesNothing)
+{
+    EXPECT_EQ(
+        allocationsOf([] { SignalSpecification::getCachedInfoHash(-1.2345678901234567e-300, -2147483647); }),
+        0U);
+}
+
+TEST_F(PortQueryAllocations, CachedQueryAllocatesNothingWhereItFinds)
+{
+    bool found = false;
+    EXPECT_EQ(allocationsOf([&] { found = m_signals.isPortObserved(42.1, 42); }), 0U);
+    EXPECT_TRUE(found);
+}
+
+TEST_F(PortQueryAllocations, CachedQueryAllocatesNothingWhereItFindsNothing)
+{
+    bool found = true;
+    EXPECT_EQ(allocationsOf([&] { found = m_signals.isPortObserved(42.2, 42); }), 0U);
+    EXPECT_FALSE(found);
+}
+
+TEST_F(PortQueryAllocations, FullQueryAllocatesNothingWhereTheHandleDecides)
+{
+    EXPECT_EQ(allocationsOf([&] { m_signals.isPortObserved(42.1, m_path, u"", 42, 42, 0); }), 0U);
+}
+
+TEST_F(PortQueryAllocations, FullQueryAllocatesOnlyTheConvertedTexts)
+{
+    const std::u16string subPath;
+    const std::size_t conversions = allocationsOf([&] {
+        toUtf8(m_signals.getModelName());
+        toUtf8(m_path);
+        toUtf8(subPath);
+    });
+    bool found = false;
+    EXPECT_LE(allocationsOf([&] { found = m_signals.isPortObserved(0.5, m_path, subPath, 42, 0, 0); }),
+              conversions);
+    EXPECT_TRUE(found);
+}
+
+TEST_F(PortQueryAllocations, FullQueryAllocatesOnlyTheConvertedTextsWhereItFindsNothing)
+{
+    const std::u16string subPath;
+    const std::u16string path = m_path + u"2";
+    const std::size_t conversions = allocationsOf([&] {
+        toUtf8(m_signals.getModelName());
+        toUtf8(path);
+        toUtf8(subPath);
+    });
+    bool found = true;
+    EXPECT_LE(allocationsOf([&] { found = m_signals.isPortObserved(0.5, path, subPath, 42, 42, 0); }),
+              conversions);
+    EXPECT_FALSE(found);
+}
+
+TEST_F(PortQueryAllocations, PortCacheQueryAllocatesNothing)
+{
+    EXPECT_EQ(allocationsOf([&] { m_signals.isZMPortObserved(nullptr); }), 0U);
+    EXPECT_EQ(allocationsOf([&] { m_signals.isAnyPortObserved(); }), 0U);
+}
+
+}  // namespace
+}  // namespace zm_hmi
