@@ -219,7 +219,7 @@ def show_saved(saved: zmhost.StructArray) -> None:
     print(f'"Persistence" is a {shape} struct array; its {len(saved.fields)} fields are')
     print(textwrap.fill(", ".join(saved.fields), WIDTH - 4, initial_indent="  ", subsequent_indent="  "))
     rows = [
-        (r["BlockPath_"], int(r["OutputPortIndex_"]), r["SignalName_"], r["DomainType_"] or "–", r["UUID"][:8] or "–")
+        (r["BlockPath_"], int(r["OutputPortIndex_"]), r["SignalName_"], r["DomainType_"], r["UUID"][:8])
         for r in saved
     ]
     if rows:

@@ -90,6 +90,9 @@ bool hasHostValue(py::handle object)
 
 std::vector<std::string> keysOf(py::handle mapping)
 {
+    if (!isMapping(mapping)) {
+        throw NoHostValue("an element of a struct array is a mapping, not a " + typeName(mapping));
+    }
     std::vector<std::string> names;
     for (const py::handle key : mapping.attr("keys")()) {
         if (!PyUnicode_Check(key.ptr())) {
@@ -102,7 +105,7 @@ std::vector<std::string> keysOf(py::handle mapping)
 
 void setFields(nvArray* target, std::size_t index, py::handle mapping, const std::vector<std::string>& names)
 {
-    if (py::len(mapping) != names.size()) {
+    if (!isMapping(mapping) || py::len(mapping) != names.size()) {
         throw NoHostValue("element " + std::to_string(index) +
                           " of the struct array has other fields than the first");
     }
@@ -290,10 +293,8 @@ OwnedValue makeStructArray(const py::sequence& elements,
         const py::object element = elements[i];
         if (const py::object held = askForHostValue(element)) {
             copyFields(value.get(), i, heldValue(held), names);
-        } else if (isMapping(element)) {
-            setFields(value.get(), i, element, names);
         } else {
-            throw NoHostValue("an element of a struct array is a mapping, not a " + typeName(element));
+            setFields(value.get(), i, element, names);
         }
     }
     return value;

@@ -5,6 +5,7 @@
 #include <pybind11/stl.h>
 
 #include <new>
+#include <stdexcept>
 
 namespace py = pybind11;
 
@@ -80,6 +81,14 @@ void translate(std::exception_ptr failure)
 void registerErrors()
 {
     py::register_local_exception_translator(translate);
+}
+
+Edge* Edge::checked(Edge* edge)
+{
+    if (std::this_thread::get_id() != s_hostThread) {
+        throw std::runtime_error("the host is used from the thread that imported zmhost");
+    }
+    return edge;
 }
 
 void Edge::listenToWarnings()

@@ -9,6 +9,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <thread>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -30,10 +31,11 @@ private:
     pybind11::object m_cause;
 };
 
-/// One native call under way. Calls nest where a script's function is called back.
+/// One native call under way. Calls nest where a script's function is called back. The host has one
+/// thread, the one that imported the module; a call from another is Python's `RuntimeError`.
 class Edge {
 public:
-    Edge() : m_outer(std::exchange(s_current, this)) {}
+    Edge() : m_outer(std::exchange(s_current, checked(this))) {}
     Edge(const Edge&) = delete;
     Edge& operator=(const Edge&) = delete;
     ~Edge() { s_current = m_outer; }
@@ -54,9 +56,11 @@ public:
     void close(const std::exception_ptr& failure);
 
 private:
+    static Edge* checked(Edge* edge);
     void deliver(pybind11::object error);
 
     static inline Edge* s_current = nullptr;
+    static inline std::thread::id s_hostThread = std::this_thread::get_id();
 
     Edge* m_outer;
     std::vector<reference_host::Warning> m_warnings;

@@ -14,7 +14,7 @@ a struct, a list of mappings a struct array, any other list a cell array.
 
 A host error is a `HostError`, a host warning a `HostWarning`, which Python's warning filters govern.
 
-The host has one thread: Python's lock is held during its calls.
+The host has one thread, the one that imports this module; Python's lock is held during its calls.
 """
 
 from __future__ import annotations

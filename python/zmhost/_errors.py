@@ -38,7 +38,9 @@ class ElementIndexError(HostError, IndexError):
 class HostWarning(UserWarning):
     """A warning that the host reported during a call, issued when the call has returned."""
 
-    def __init__(self, text: str, catalog: str = "", key: str = "", arguments: tuple[Argument, ...] = ()) -> None:
+    def __init__(
+        self, text: str, catalog: str = "", key: str = "", arguments: tuple[Argument, ...] = ()
+    ) -> None:
         super().__init__(text)
         self.catalog = catalog
         self.key = key

@@ -72,7 +72,9 @@ class StructArray(Sequence[Struct]):
 
     __slots__ = ("_value", "_fields")
 
-    def __init__(self, elements: Iterable[Mapping[str, Any]] = (), fields: Iterable[str] | None = None) -> None:
+    def __init__(
+        self, elements: Iterable[Mapping[str, Any]] = (), fields: Iterable[str] | None = None
+    ) -> None:
         names = None if fields is None else list(fields)
         self._hold(_zmhost.make_struct_array(list(elements), names))
 

@@ -1,0 +1,44 @@
+"""The type stub, and every test file being run."""
+
+import ast
+import shutil
+from pathlib import Path
+
+import pytest
+
+import zmhost
+from zmhost import _zmhost
+
+from conftest import PROJECT
+
+PACKAGE = Path(zmhost.__file__).parent
+
+
+def public(names):
+    return {name for name in names if not name.startswith("_")}
+
+
+def test_the_stub_names_what_the_module_has():
+    tree = ast.parse((PACKAGE / "_zmhost.pyi").read_text())
+    stub = {node.name: node for node in tree.body if isinstance(node, (ast.ClassDef, ast.FunctionDef))}
+    assert stub.keys() | {"any_operation"} == public(dir(_zmhost))
+    for name, node in stub.items():
+        if isinstance(node, ast.ClassDef) and name != "FaultKind":
+            members = {member.name for member in node.body if isinstance(member, ast.FunctionDef)}
+            assert public(members) == public(dir(getattr(_zmhost, name))), name
+
+
+def test_everything_exported_is_there():
+    for name in zmhost.__all__:
+        assert hasattr(zmhost, name), name
+    assert (PACKAGE / "py.typed").exists()
+
+
+@pytest.mark.skipif(shutil.which("mypy") is None, reason="mypy is not installed")
+@pytest.mark.parametrize("what", [("-p", "zmhost"), (str(PROJECT / "examples" / "first_light.py"),)])
+def test_types_hold(run, tmp_path, what):
+    pytest.importorskip("mypy", reason="mypy is not installed for this Python")
+    result = run(
+        "-m", "mypy", "--strict", "--cache-dir", tmp_path, *what, env={"MYPYPATH": str(PACKAGE.parent), "LD_PRELOAD": ""}
+    )
+    assert result.returncode == 0, result.stdout + result.stderr
