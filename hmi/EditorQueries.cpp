@@ -3,6 +3,7 @@
 #include "hmi/Numbers.hpp"
 #include "host/HostCall.hpp"
 
+#include <array>
 #include <utility>
 
 namespace zm_hmi {
@@ -32,6 +33,26 @@ std::string orEmpty(const char* text)
     return text != nullptr ? text : "";
 }
 
+std::vector<InstrumentedSignals::Source> readSources(const std::array<OwnedArray, 10>& results)
+{
+    std::vector<InstrumentedSignals::Source> sources(nvGetNumberOfElements(results[0].get()));
+    for (std::size_t i = 0; i < sources.size(); ++i) {
+        InstrumentedSignals::Source& source = sources[i];
+        source.name = nvArrayToStdString(cellAt(results[0], i));
+        source.handle = numberAt(results[1], i);
+        source.number1 = truncateToInt(numberAt(results[2], i));
+        source.number2 = truncateToInt(numberAt(results[3], i));
+        source.number3 = truncateToInt(numberAt(results[4], i));
+        source.flag1 = numberAt(results[5], i) != 0.0;
+        source.flag2 = numberAt(results[6], i) != 0.0;
+        // A text comes eighth and the last flag ninth: the results do not follow the fields here.
+        source.flag3 = numberAt(results[8], i) != 0.0;
+        source.text1 = nvGetUString(cellAt(results[7], i));
+        source.text2 = nvGetUString(cellAt(results[9], i));
+    }
+    return sources;
+}
+
 }  // namespace
 
 void InstrumentedSignals::getObservedPorts(const nvArray* model, const char* firstText,
@@ -52,22 +73,12 @@ void InstrumentedSignals::getObservedPorts(const nvArray* model, const char* fir
         sources.clear();
         return;
     }
-    std::vector<Source> found(nvGetNumberOfElements(results[0].get()));
-    for (std::size_t i = 0; i < found.size(); ++i) {
-        Source& source = found[i];
-        source.name = nvArrayToStdString(cellAt(results[0], i));
-        source.handle = numberAt(results[1], i);
-        source.number1 = truncateToInt(numberAt(results[2], i));
-        source.number2 = truncateToInt(numberAt(results[3], i));
-        source.number3 = truncateToInt(numberAt(results[4], i));
-        source.flag1 = numberAt(results[5], i) != 0.0;
-        source.flag2 = numberAt(results[6], i) != 0.0;
-        // A text comes eighth and the last flag ninth: the results do not follow the fields here.
-        source.flag3 = numberAt(results[8], i) != 0.0;
-        source.text1 = nvGetUString(cellAt(results[7], i));
-        source.text2 = nvGetUString(cellAt(results[9], i));
+    try {
+        sources = readSources(results);
+    } catch (const zmsvException&) {  // a result of another class than it should have
+        zmsvReportAsWarning(zmsvCreateDiagnosticFromCatchClause());
+        sources.clear();
     }
-    sources = std::move(found);
 }
 
 void InstrumentedSignals::getPortsWithBadges(const nvArray* model, std::set<double>& handles)
@@ -77,8 +88,14 @@ void InstrumentedSignals::getPortsWithBadges(const nvArray* model, std::set<doub
     }
     const HostCallResult<1> result = callHostNoThrow<1>("getPortsWithBadges", model);
     const nvArray* found = result.outputs[0].get();
-    for (std::size_t i = 0; i < nvGetNumberOfElements(found); ++i) {
-        handles.insert(nvGetElement(found, i));
+    try {
+        std::set<double> badged;
+        for (std::size_t i = 0; i < nvGetNumberOfElements(found); ++i) {
+            badged.insert(nvGetElement(found, i));
+        }
+        handles.merge(badged);
+    } catch (const zmsvException&) {  // as above
+        zmsvReportAsWarning(zmsvCreateDiagnosticFromCatchClause());
     }
 }
 

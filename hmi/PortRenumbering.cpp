@@ -71,7 +71,8 @@ void InstrumentedSignals::applyRebindingRules(const nvArray* value, bool flag)
     }
     const OwnedArray flagValue = asTemporary(makeLogical(flag));
     callHostNoThrow<0>("applyRebindingRules", value, flagValue.get());
-    if (InstrumentedSignals* signals = getFromNVArray(value)) {
+    // What is behind an object of another class is not to be written to.
+    if (InstrumentedSignals* signals = isValidType(value) ? getFromNVArray(value) : nullptr) {
         signals->m_rebindingPending = false;
     }
 }

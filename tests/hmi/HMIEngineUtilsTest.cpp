@@ -2,7 +2,6 @@
 
 #include "reference_host/calls/Faults.hpp"
 #include "reference_host/calls/Journal.hpp"
-#include "reference_host/calls/Ledger.hpp"
 #include "reference_host/calls/Warnings.hpp"
 #include "reference_host/values/ValueReading.hpp"
 #include "tests/hmi/LibraryTest.hpp"
@@ -12,7 +11,6 @@
 
 #include <stdexcept>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace zm_hmi {
@@ -25,7 +23,7 @@ protected:
     struct Argument {
         std::string className;
         std::u16string text;
-        rh::Dimensions dimensions;
+        std::string dimensions;
     };
 
     /// In place of the host function: keeps what it was given.
@@ -38,7 +36,7 @@ protected:
             for (const nvArray* input : call.inputs()) {
                 const bool isText = rh::className(input) == "char";
                 arguments.push_back(
-                    {rh::className(input), isText ? rh::text(input) : u"", rh::dimensions(input)});
+                    {rh::className(input), isText ? rh::text(input) : u"", rh::dimensions(input).text()});
             }
         };
     }
@@ -109,7 +107,7 @@ TEST_F(HMIEngineUtilsTest, AnEventThatCannotBeMadeIsPassedAsAnEmptyMatrix)
     ASSERT_EQ(calls.size(), 1U);
     ASSERT_EQ(calls[0].size(), 2U);
     EXPECT_EQ(calls[0][0].className, "double");
-    EXPECT_EQ(calls[0][0].dimensions, rh::Dimensions(0, 0));
+    EXPECT_EQ(calls[0][0].dimensions, "0x0");
     EXPECT_EQ(calls[0][1].text, u"plant/A");
 }
 
@@ -122,7 +120,7 @@ TEST_F(HMIEngineUtilsTest, APathThatCannotBeMadeIsPassedAsAnEmptyMatrix)
     ASSERT_EQ(calls[0].size(), 2U);
     EXPECT_EQ(calls[0][0].text, u"block_param_change");
     EXPECT_EQ(calls[0][1].className, "double");
-    EXPECT_EQ(calls[0][1].dimensions, rh::Dimensions(0, 0));
+    EXPECT_EQ(calls[0][1].dimensions, "0x0");
 }
 
 TEST_F(HMIEngineUtilsTest, NothingEscapesWhicheverOperationFails)

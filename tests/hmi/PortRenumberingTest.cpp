@@ -3,6 +3,7 @@
 #include "hmi_foundation/ModelPath.hpp"
 #include "reference_host/calls/Warnings.hpp"
 #include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/ClassReflection.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"
 #include "tests/hmi/LibraryTest.hpp"
@@ -12,8 +13,9 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
-#include <iterator>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -564,10 +566,16 @@ RC_GTEST_FIXTURE_PROP(PortRenumbering, DoesWhatTheStepsDoOneAfterTheOther, ())
 /// The host function in place of the one that rebinds; keeps what it was given.
 class Rebinding : public LibraryTest {
 protected:
+    void SetUp() override
+    {
+        LibraryTest::SetUp();
+        rh::describeClass("Zelmar.HMI.StreamingClients");
+        HostTest::SetUp();
+    }
+
     struct Call {
         std::size_t outputCount;
         std::vector<std::string> classes;
-        const InstrumentedSignals* collection;
         bool flag;
     };
 
@@ -577,7 +585,6 @@ protected:
         "applyRebindingRules", [this](rh::HostFunctionCall& call) {
             calls.push_back({call.outputCount(),
                              {rh::className(call.input(0)), rh::className(call.input(1))},
-                             nullptr,
                              rh::isTrueScalar(call.input(1))});
             EXPECT_EQ(call.inputs().size(), 2U);
         }};
