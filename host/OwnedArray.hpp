@@ -17,21 +17,21 @@ using OwnedArray = std::unique_ptr<nvArray, nvArrayDeleter>;
 inline void setField(nvArray* value, std::size_t index, const char* name, OwnedArray field)
 {
     nvSetField(value, index, name, field.get());
-    field.release();
+    static_cast<void>(field.release());
 }
 
 /// Hands a value to a field that may be set already.
 inline void replaceField(nvArray* value, std::size_t index, const char* name, OwnedArray field)
 {
     nvReplaceField(value, index, name, field.get());
-    field.release();
+    static_cast<void>(field.release());
 }
 
 /// Hands a value to a cell.
 inline void setCell(nvArray* value, std::size_t index, OwnedArray element)
 {
     nvSetCell(value, index, element.get());
-    element.release();
+    static_cast<void>(element.release());
 }
 
 inline OwnedArray makeString(const std::string& text)

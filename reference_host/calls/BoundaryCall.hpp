@@ -128,10 +128,15 @@ private:
                     return nullptr;
                 }
             }
-            Result result = body();
-            note(result);
-            return result;
+            return noted(body());
         }
+    }
+
+    template <class Result>
+    Result noted(Result result) noexcept
+    {
+        note(result);
+        return result;
     }
 
     void strike()

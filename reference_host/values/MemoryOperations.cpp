@@ -3,6 +3,7 @@
 #include "reference_host/calls/BoundaryCall.hpp"
 #include "reference_host/calls/Ledger.hpp"
 #include "reference_host/values/MemoryBlocks.hpp"
+#include "reference_host/values/MemoryLimit.hpp"
 
 #include <algorithm>
 #include <cstdlib>
@@ -15,7 +16,7 @@ std::uint64_t blockCount = 0;
 
 void* allocate(std::size_t size) noexcept
 {
-    void* block = std::calloc(std::max<std::size_t>(size, 1), 1);
+    void* block = size <= largestBlock ? std::calloc(std::max<std::size_t>(size, 1), 1) : nullptr;
     if (block == nullptr) {
         return nullptr;
     }

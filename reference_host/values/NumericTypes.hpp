@@ -1,6 +1,7 @@
 #ifndef ZM_REFERENCE_HOST_VALUES_NUMERIC_TYPES_HPP
 #define ZM_REFERENCE_HOST_VALUES_NUMERIC_TYPES_HPP
 
+#include "reference_host/values/MemoryLimit.hpp"
 #include "reference_host/values/Value.hpp"
 
 #include <cmath>
@@ -9,7 +10,6 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
-#include <new>
 #include <type_traits>
 
 namespace reference_host {
@@ -67,11 +67,7 @@ inline std::size_t byteCount(ValueClass valueClass, bool isComplex, std::size_t 
 {
     const std::size_t elementSize =
         withNumericType(valueClass, [](auto type) { return sizeof(typename decltype(type)::type); });
-    std::size_t result = 0;
-    if (__builtin_mul_overflow(count, isComplex ? 2 * elementSize : elementSize, &result)) {
-        throw std::bad_array_new_length();
-    }
-    return result;
+    return requireBytes(count, isComplex ? 2 * elementSize : elementSize);
 }
 
 /// Element `index` of elements that stand as bytes.

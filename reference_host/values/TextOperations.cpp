@@ -74,7 +74,7 @@ std::u16string extractFileName(const std::u16string& path)
 std::u16string makeNativeForm(const std::u16string& path, bool normalize)
 {
     return BoundaryCall({"makeNativeForm"}, path, normalize).run([&] {
-        std::filesystem::path native = pathFrom(path).make_preferred();
+        const std::filesystem::path native = pathFrom(path).make_preferred();
         return utf16FromUtf8((normalize ? native.lexically_normal() : native).string());
     });
 }

@@ -97,13 +97,13 @@ const nvArray* field(const nvArray* value, std::size_t index, const char* name)
 void setField(nvArray* value, std::size_t index, const char* name, OwnedValue field)
 {
     storeField(value, index, name, field.get(), false);
-    field.release();
+    static_cast<void>(field.release());
 }
 
 void replaceField(nvArray* value, std::size_t index, const char* name, OwnedValue field)
 {
     storeField(value, index, name, field.get(), true);
-    field.release();
+    static_cast<void>(field.release());
 }
 
 void storeField(nvArray* value, std::size_t index, const char* name, nvArray* field, bool mayBeSet)
@@ -129,7 +129,7 @@ const nvArray* cell(const nvArray* value, std::size_t index)
 void setCell(nvArray* value, std::size_t index, OwnedValue element)
 {
     storeCell(value, index, element.get());
-    element.release();
+    static_cast<void>(element.release());
 }
 
 void storeCell(nvArray* value, std::size_t index, nvArray* element)

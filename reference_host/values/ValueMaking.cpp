@@ -1,6 +1,7 @@
 #include "reference_host/values/ValueMaking.hpp"
 
 #include "reference_host/calls/HostErrors.hpp"
+#include "reference_host/values/MemoryLimit.hpp"
 #include "reference_host/values/NumericTypes.hpp"
 #include "reference_host/values/Payload.hpp"
 #include "reference_host/values/TextConversion.hpp"
@@ -49,11 +50,10 @@ OwnedValue makeFields(ValueClass valueClass, Dimensions dimensions, FieldTable t
             throwHostError("FieldNamedTwice", {*name});
         }
     }
-    std::size_t count = 0;
-    if (__builtin_mul_overflow(dimensions.elementCount(), table.names.size(), &count)) {
-        throw std::bad_array_new_length();
-    }
-    Fields fields{std::make_shared<FieldTable>(std::move(table)), std::vector<HeldValue>(count)};
+    const std::size_t bytesEach = requireBytes(table.names.size(), sizeof(HeldValue));
+    requireBytes(dimensions.elementCount(), bytesEach);
+    std::vector<HeldValue> values(dimensions.elementCount() * table.names.size());
+    Fields fields{std::make_shared<FieldTable>(std::move(table)), std::move(values)};
     return makeValue(valueClass, std::move(dimensions), std::move(fields));
 }
 
@@ -117,6 +117,7 @@ OwnedValue makeStructObject(std::string className, Dimensions dimensions, std::v
 
 OwnedValue makeCells(Dimensions dimensions)
 {
+    requireBytes(dimensions.elementCount(), sizeof(HeldValue));
     Cells cells{std::vector<HeldValue>(dimensions.elementCount())};
     return makeValue(ValueClass::Cell, std::move(dimensions), std::move(cells));
 }
