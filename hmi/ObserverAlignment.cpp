@@ -7,6 +7,16 @@
 
 namespace zm_hmi {
 
+namespace {
+
+// What is behind an object of another class is no collection of clients, and not to be written to.
+StreamingClients* clientsBehind(const nvArray* value)
+{
+    return StreamingClients::isValidType(value) ? StreamingClients::getFromNVArray(value) : nullptr;
+}
+
+}  // namespace
+
 void StreamingClients::getAlignedObservers(const nvArray* clientsObject,
                                            std::vector<SignalClientPtr>& observers)
 {
@@ -18,7 +28,7 @@ void StreamingClients::getAlignedObservers(const nvArray* clientsObject,
     if (!result.succeeded) {
         return;
     }
-    const StreamingClients* clients = getFromNVArray(clientsObject);
+    const StreamingClients* clients = clientsBehind(clientsObject);
     const std::u16string modelName = clients != nullptr ? clients->getModelName() : std::u16string();
     const nvArray* objects = result.outputs[0].get();
     const std::size_t count = nvGetNumberOfElements(objects);
@@ -32,7 +42,7 @@ void StreamingClients::getAlignedObservers(const nvArray* clientsObject,
 
 void StreamingClients::handleModelRename(const nvArray* clientsObject)
 {
-    const StreamingClients* clients = getFromNVArray(clientsObject);
+    const StreamingClients* clients = clientsBehind(clientsObject);
     if (clients == nullptr || clients->m_syncedModelName == clients->m_modelName) {
         return;
     }
@@ -50,7 +60,7 @@ void StreamingClients::handleModelRename(const nvArray* clientsObject)
 
 void StreamingClients::validateAndRemoveUnused(const nvArray* clientsObject)
 {
-    StreamingClients* clients = getFromNVArray(clientsObject);
+    StreamingClients* clients = clientsBehind(clientsObject);
     if (clients == nullptr) {
         return;
     }

@@ -332,14 +332,23 @@ TEST_F(ObserverAlignmentTest, ValidatingNoCollectionDoesNothing)
     EXPECT_EQ(validate.calls(), 0U);
 }
 
-TEST_F(ObserverAlignmentTest, AValueThatIsNoObjectIsAHostErrorAndNeverACrash)
+TEST_F(ObserverAlignmentTest, AValueOfAnotherClassHasNoClientsBehindIt)
 {
-    const rh::ScopedHostFunction asked("getAlignedObservers", giveNothing);
+    const rh::ScopedHostFunction asked("getAlignedObservers", give({clientNamed("a")}));
+    const CountedHostFunction getManager("Zelmar.HMI.InterfaceMgr.getInterfaceMgr", giveNothing);
+    const CountedHostFunction validate("validateAndRemoveUnused", giveNothing);
+    const rh::OwnedValue signals =
+        rh::ClassObjects::construct("Zelmar.HMI.InstrumentedSignals", {rh::makeText("m").get()});
     const rh::OwnedValue number = rh::makeDouble(1.0);
-    EXPECT_EQ(hostError([&] { StreamingClients::getAlignedObservers(number.get(), m_observers); }),
-              "NoObject");
-    EXPECT_EQ(hostError([&] { StreamingClients::handleModelRename(number.get()); }), "NoObject");
-    EXPECT_EQ(hostError([&] { StreamingClients::validateAndRemoveUnused(number.get()); }), "NoObject");
+    for (const nvArray* value : {signals.get(), number.get()}) {
+        StreamingClients::getAlignedObservers(value, m_observers);
+        EXPECT_EQ(m_observers.size(), 1U);
+        StreamingClients::handleModelRename(value);
+        StreamingClients::validateAndRemoveUnused(value);
+    }
+    EXPECT_EQ(getManager.calls(), 0U);
+    EXPECT_EQ(validate.calls(), 0U);
+    EXPECT_EQ(rh::scalar(rh::ClassObjects::getProperty(signals.get(), "Count").get()), 0.0);
 }
 
 }  // namespace
