@@ -20,11 +20,14 @@ void answerWithOwnPath(rh::HostFunctionCall& call)
 
 }  // namespace
 
-LibraryTest::LibraryTest() : m_alignedBlockPath("getAlignedBlockPath", answerWithOwnPath) {}
+LibraryTest::LibraryTest() : m_alignedBlockPath("getAlignedBlockPath", answerWithOwnPath)
+{
+    // Not in SetUp: fixtures derived from this one make objects as their members.
+    NVInitialize_zm_hmi_foundation();
+}
 
 void LibraryTest::SetUp()
 {
-    NVInitialize_zm_hmi_foundation();
     rh::describeClass("Zelmar.HMI.InstrumentedSignals");
     rh::describeClass("Zelmar.HMI.SignalSpecification");
     HostTest::SetUp();
