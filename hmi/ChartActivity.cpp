@@ -2,6 +2,7 @@
 
 #include "hmi/Numbers.hpp"
 #include "hmi_foundation/ModelPath.hpp"
+#include "host/Exceptions.hpp"
 #include "host/Text.hpp"
 
 #include <boost/container_hash/hash.hpp>
@@ -9,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <memory>
+#include <new>
 #include <optional>
 #include <stdexcept>
 #include <tuple>
@@ -92,6 +94,7 @@ void InstrumentedSignals::addToObservedKWObjectCache(SignalSpecificationPtr sign
     if (bit->second >= activityCount) {
         throw std::out_of_range("bitset set argument out of range");
     }
+    // The map first: setting the bit cannot fail.
     addToObservedKWActivity(chart.zid, chart.kzid, chart.activity);
     activities.set(bit->second);
 }
@@ -171,7 +174,7 @@ std::optional<CounterpartKey> counterpartKey(const SignalSpecification& signal)
 
 std::vector<SignalSpecificationPtr> InstrumentedSignals::setDifference_kw(
     const InstrumentedSignals* other) const
-{
+try {
     std::unordered_set<CounterpartKey, boost::hash<CounterpartKey>> counterparts;
     if (other != nullptr) {
         for (const SignalSpecificationPtr& signal : other->m_signals) {
@@ -192,6 +195,8 @@ std::vector<SignalSpecificationPtr> InstrumentedSignals::setDifference_kw(
         }
     }
     return difference;
+} catch (const std::bad_alloc&) {
+    zmsvThrowOutOfMemory();
 }
 
 }  // namespace zm_hmi

@@ -4,6 +4,7 @@
 #include "host/HostCall.hpp"
 
 #include <array>
+#include <new>
 #include <utility>
 
 namespace zm_hmi {
@@ -58,7 +59,7 @@ std::vector<InstrumentedSignals::Source> readSources(const std::array<OwnedArray
 void InstrumentedSignals::getObservedPorts(const nvArray* model, const char* firstText,
                                            const char* secondText, std::vector<Source>& sources,
                                            bool firstSwitch, bool secondSwitch)
-{
+try {
     if (model == nullptr) {
         sources.clear();
         return;
@@ -79,10 +80,12 @@ void InstrumentedSignals::getObservedPorts(const nvArray* model, const char* fir
         zmsvReportAsWarning(zmsvCreateDiagnosticFromCatchClause());
         sources.clear();
     }
+} catch (const std::bad_alloc&) {
+    zmsvThrowOutOfMemory();
 }
 
 void InstrumentedSignals::getPortsWithBadges(const nvArray* model, std::set<double>& handles)
-{
+try {
     if (nvIsEmpty(model)) {
         return;
     }
@@ -97,6 +100,8 @@ void InstrumentedSignals::getPortsWithBadges(const nvArray* model, std::set<doub
     } catch (const zmsvException&) {  // as above
         zmsvReportAsWarning(zmsvCreateDiagnosticFromCatchClause());
     }
+} catch (const std::bad_alloc&) {
+    zmsvThrowOutOfMemory();
 }
 
 }  // namespace zm_hmi

@@ -30,6 +30,9 @@ using SignalSpecificationPtr = boost::shared_ptr<SignalSpecification>;
 /// domain stands in the observed port map, as this very object; chart elements stand in the chart caches
 /// only; the port cache is empty or was filled after the last change of the port map.
 ///
+/// An operation that runs short of memory halfway may leave the port map behind the elements;
+/// `updateObservedPortMap` makes it right.
+///
 /// Host code that runs inside an operation may call back into the same collection. Main thread only.
 class InstrumentedSignals {
 public:

@@ -1,6 +1,9 @@
 #include "hmi/InstrumentedSignals.hpp"
 
+#include "host/Exceptions.hpp"
+
 #include <algorithm>
+#include <new>
 
 namespace zm_hmi {
 
@@ -124,9 +127,11 @@ bool InstrumentedSignals::isZMPortObserved(const zmPort* port) const
 }
 
 void InstrumentedSignals::cacheZMPorts(const std::vector<zmPort*>& ports)
-{
+try {
     forgetPortCache();
     m_cachedPorts.insert(ports.begin(), ports.end());
+} catch (const std::bad_alloc&) {
+    zmsvThrowOutOfMemory();
 }
 
 }  // namespace zm_hmi

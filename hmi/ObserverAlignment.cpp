@@ -5,6 +5,8 @@
 
 #include <boost/make_shared.hpp>
 
+#include <new>
+
 namespace zm_hmi {
 
 namespace {
@@ -19,7 +21,7 @@ StreamingClients* clientsBehind(const nvArray* value)
 
 void StreamingClients::getAlignedObservers(const nvArray* clientsObject,
                                            std::vector<SignalClientPtr>& observers)
-{
+try {
     observers.clear();
     if (clientsObject == nullptr) {
         return;
@@ -38,10 +40,12 @@ void StreamingClients::getAlignedObservers(const nvArray* clientsObject,
         zmsvSetLocalScope(object.get());
         observers.push_back(boost::make_shared<SignalClient>(object.get(), 0, modelName));
     }
+} catch (const std::bad_alloc&) {
+    zmsvThrowOutOfMemory();
 }
 
 void StreamingClients::handleModelRename(const nvArray* clientsObject)
-{
+try {
     const StreamingClients* clients = clientsBehind(clientsObject);
     if (clients == nullptr || clients->m_syncedModelName == clients->m_modelName) {
         return;
@@ -56,16 +60,20 @@ void StreamingClients::handleModelRename(const nvArray* clientsObject)
     callHostNoThrow<0>("renameModel", noManager ? noManager.get() : manager.outputs[0].get(), oldName.get(),
                        newName.get());
     // The synced name stays: the rename is announced again until validation has run.
+} catch (const std::bad_alloc&) {
+    zmsvThrowOutOfMemory();
 }
 
 void StreamingClients::validateAndRemoveUnused(const nvArray* clientsObject)
-{
+try {
     StreamingClients* clients = clientsBehind(clientsObject);
     if (clients == nullptr) {
         return;
     }
     clients->m_syncedModelName = clients->m_modelName;
     callHostNoThrow<0>("validateAndRemoveUnused", clientsObject);
+} catch (const std::bad_alloc&) {
+    zmsvThrowOutOfMemory();
 }
 
 }  // namespace zm_hmi

@@ -4,6 +4,7 @@
 #include "host/HostCall.hpp"
 
 #include <algorithm>
+#include <new>
 
 namespace zm_hmi {
 
@@ -11,7 +12,7 @@ namespace zm_hmi {
 // moved one by one when the rebuild makes them all anew.
 void InstrumentedSignals::renumberPorts(double blockHandle, const std::u16string& blockPath,
                                         const std::string& zid, const std::vector<int>& newNumbers)
-{
+try {
     const std::u16string relativePath = zm_hmi_foundation::RemoveModelFromPath(blockPath, m_modelName);
     const std::string relativeZID = zm_hmi_foundation::RemoveModelFromZID(zid, m_modelName);
     const auto isOnBlock = [&](const SignalSpecification& signal) {
@@ -44,6 +45,8 @@ void InstrumentedSignals::renumberPorts(double blockHandle, const std::u16string
     eraseAt(deleted);
     forgetPortCache();
     updateObservedPortMap();
+} catch (const std::bad_alloc&) {
+    zmsvThrowOutOfMemory();
 }
 
 // Removes the elements at ascending indices, chart elements from the chart caches too, highest first.

@@ -9,8 +9,8 @@
 namespace zm_hmi {
 
 /// The fields of a streaming client: one row a field, in the order of the host struct, which is also the
-/// order in which they are read. `read` takes the value of a struct field; where an object's property is
-/// read otherwise, `SignalClient::setFromNVCOS` says so.
+/// order in which they are read. `read` takes a struct field or an object's property alike, but for the
+/// parameters: see `SignalClient::setFromNVCOS`.
 struct SignalClient::Fields {
     enum Field : std::size_t {
         Uuid,

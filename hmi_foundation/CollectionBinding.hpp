@@ -5,6 +5,7 @@
 #include "hmi_foundation/HMICOSMethodInfo.hpp"
 #include "hmi_foundation/HostErrors.hpp"
 #include "host/ClassDescriptors.hpp"
+#include "host/Memory.hpp"
 #include "host/OwnedArray.hpp"
 
 #include <cstddef>
@@ -43,17 +44,54 @@ inline void setResult(nvcos::COSValue& output, OwnedArray value)
     output = value.release();
 }
 
+/// A property descriptor as the host calls it.
+template <class Property>
+class HostProperty final : public Property {
+public:
+    using Property::Property;
+    nvcos::COSValue getValue(nvcos::COSInterface* instance) override
+    {
+        return withHostMemoryErrors([&] { return Property::getValue(instance); });
+    }
+    void setValue(nvcos::COSInterface* instance, nvcos::COSValue value) override
+    {
+        withHostMemoryErrors([&] { Property::setValue(instance, std::move(value)); });
+    }
+};
+
+/// A method descriptor as the host calls it.
+template <class Method>
+class HostMethod final : public Method {
+public:
+    void invoke(const nvcos::COSClient* client, int& outputCount, nvcos::COSValue* outputs, int inputCount,
+                const nvcos::COSValue* inputs) const override
+    {
+        withHostMemoryErrors([&] { Method::invoke(client, outputCount, outputs, inputCount, inputs); });
+    }
+};
+
 /// Hands a descriptor to the class, which owns it once it has taken it.
-inline void addProperty(nvcos::COSClass* cosClass, std::unique_ptr<nvcos::COSPropInfo> property)
+template <class Property>
+void addProperty(nvcos::COSClass* cosClass)
 {
+    auto property = std::make_unique<HostProperty<Property>>(cosClass);
     cosClass->addProperty(property.get());
     property.release();
 }
 
-inline void addMethod(nvcos::COSClass* cosClass, std::unique_ptr<nvcos::COSMethodInfo> method)
+template <class Method>
+void addMethod(nvcos::COSClass* cosClass)
 {
+    auto method = std::make_unique<HostMethod<Method>>();
     cosClass->addMethod(method.get());
     method.release();
+}
+
+/// The native data of a new instance.
+template <class Collection>
+void* newCollection()
+{
+    return withHostMemoryErrors([] { return new Collection; });
 }
 
 /// "Count": the number of elements. Scripts read it; an assignment changes nothing.

@@ -10,7 +10,7 @@ namespace {
 using zm_hmi::InstrumentedSignals;
 
 /// "Model": the model's name. Scripts read it; an assignment changes nothing.
-class SignalsModelPI final : public HMIBasePI {
+class SignalsModelPI : public HMIBasePI {
 public:
     explicit SignalsModelPI(const nvcos::COSClass* owner)
         : HMIBasePI(owner, "Model", type_name::unicodeString, nvcos::COSPropAccess::ScriptReadOnly,
@@ -32,15 +32,17 @@ using SignalsPersistencePI = CollectionPersistencePI<InstrumentedSignals>;
 void InstrumentedSignalsCOSClassInfo::initializeClass(nvcos::COSClass* cosClass,
                                                       const nvcos::COSClient* /*client*/)
 {
-    addProperty(cosClass, std::make_unique<SignalsModelPI>(cosClass));
-    addProperty(cosClass, std::make_unique<SignalsCountPI>(cosClass));
-    addProperty(cosClass, std::make_unique<SignalsPersistencePI>(cosClass));
-    addInstrumentedSignalsMethods(cosClass);
+    withHostMemoryErrors([&] {
+        addProperty<SignalsModelPI>(cosClass);
+        addProperty<SignalsCountPI>(cosClass);
+        addProperty<SignalsPersistencePI>(cosClass);
+        addInstrumentedSignalsMethods(cosClass);
+    });
 }
 
 void* InstrumentedSignalsCOSClassInfo::allocateInstance(nvcos::COSInterface* /*instance*/)
 {
-    return new InstrumentedSignals;
+    return newCollection<InstrumentedSignals>();
 }
 
 void InstrumentedSignalsCOSClassInfo::deallocateInstance(nvcos::COSInterface* /*instance*/, void* data)

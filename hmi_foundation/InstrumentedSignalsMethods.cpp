@@ -30,7 +30,7 @@ zm_hmi::SignalSpecificationPtr makeSignal(const InstrumentedSignals& signals, co
     return boost::make_shared<SignalSpecification>(std::get<nvArray*>(signal), 0, signals.getModelName());
 }
 
-class InstrumentedSignalsConstructor final : public HMICOSMethodInfo {
+class InstrumentedSignalsConstructor : public HMICOSMethodInfo {
 public:
     InstrumentedSignalsConstructor()
         : HMICOSMethodInfo({"InstrumentedSignals", {type_name::unicodeString}, {signalsType}, 1})
@@ -47,7 +47,7 @@ public:
     }
 };
 
-class InstrumentedSignalsAdd final : public HMICOSMethodInfo {
+class InstrumentedSignalsAdd : public HMICOSMethodInfo {
 public:
     InstrumentedSignalsAdd() : HMICOSMethodInfo({"add", {signalsType, signalType}, {}}) {}
     void invoke(const COSClient* /*client*/, int& /*outputCount*/, COSValue* /*outputs*/, int /*inputCount*/,
@@ -58,7 +58,7 @@ public:
     }
 };
 
-class InstrumentedSignalsSet final : public HMICOSMethodInfo {
+class InstrumentedSignalsSet : public HMICOSMethodInfo {
 public:
     InstrumentedSignalsSet()
         : HMICOSMethodInfo({"set", {signalsType, type_name::uint32Scalar, signalType}, {}})
@@ -73,7 +73,7 @@ public:
     }
 };
 
-class InstrumentedSignalsRemove final : public HMICOSMethodInfo {
+class InstrumentedSignalsRemove : public HMICOSMethodInfo {
 public:
     InstrumentedSignalsRemove() : HMICOSMethodInfo({"remove", {signalsType, type_name::uint32Scalar}, {}}) {}
     void invoke(const COSClient* /*client*/, int& /*outputCount*/, COSValue* /*outputs*/, int /*inputCount*/,
@@ -84,7 +84,7 @@ public:
     }
 };
 
-class InstrumentedSignalsGet final : public HMICOSMethodInfo {
+class InstrumentedSignalsGet : public HMICOSMethodInfo {
 public:
     InstrumentedSignalsGet()
         : HMICOSMethodInfo(
@@ -105,7 +105,7 @@ public:
     }
 };
 
-class InstrumentedSignalsIsPortObserved final : public HMICOSMethodInfo {
+class InstrumentedSignalsIsPortObserved : public HMICOSMethodInfo {
 public:
     InstrumentedSignalsIsPortObserved()
         : HMICOSMethodInfo({"isPortObserved", {signalsType, signalType}, {type_name::logicalScalar}})
@@ -120,7 +120,7 @@ public:
     }
 };
 
-class InstrumentedSignalsIsKWActivityObserved final : public HMICOSMethodInfo {
+class InstrumentedSignalsIsKWActivityObserved : public HMICOSMethodInfo {
 public:
     InstrumentedSignalsIsKWActivityObserved()
         : HMICOSMethodInfo(
@@ -139,7 +139,7 @@ public:
     }
 };
 
-class InstrumentedSignalsIsAnyKWActivityObserved final : public HMICOSMethodInfo {
+class InstrumentedSignalsIsAnyKWActivityObserved : public HMICOSMethodInfo {
 public:
     InstrumentedSignalsIsAnyKWActivityObserved()
         : HMICOSMethodInfo({"isAnyKWActivityObserved",
@@ -156,7 +156,7 @@ public:
     }
 };
 
-class InstrumentedSignalsIsBlockAndPortObserved final : public HMICOSMethodInfo {
+class InstrumentedSignalsIsBlockAndPortObserved : public HMICOSMethodInfo {
 public:
     InstrumentedSignalsIsBlockAndPortObserved()
         // A signed port here, an unsigned one for the UUID methods: scripts rely on both as they are.
@@ -177,7 +177,7 @@ public:
 // The two UUID methods take no object: they act on the process's block-port map. Scripts pass handle,
 // then port; the map is asked with port, then handle.
 
-class InstrumentedSignalAddToPortUUIDmap final : public HMICOSMethodInfo {
+class InstrumentedSignalAddToPortUUIDmap : public HMICOSMethodInfo {
 public:
     InstrumentedSignalAddToPortUUIDmap()
         : HMICOSMethodInfo({"setUUIDForBlock",
@@ -194,7 +194,7 @@ public:
     }
 };
 
-class InstrumentedSignalGetUUIDForBlock final : public HMICOSMethodInfo {
+class InstrumentedSignalGetUUIDForBlock : public HMICOSMethodInfo {
 public:
     InstrumentedSignalGetUUIDForBlock()
         : HMICOSMethodInfo({"getUUIDForBlock",
@@ -213,7 +213,7 @@ public:
     }
 };
 
-class InstrumentedSignalsGetUUID final : public HMICOSMethodInfo {
+class InstrumentedSignalsGetUUID : public HMICOSMethodInfo {
 public:
     InstrumentedSignalsGetUUID()
         : HMICOSMethodInfo({"getUUID", {signalsType, type_name::uint32Scalar}, {type_name::any}})
@@ -233,18 +233,18 @@ public:
 
 void addInstrumentedSignalsMethods(nvcos::COSClass* cosClass)
 {
-    addMethod(cosClass, std::make_unique<InstrumentedSignalsConstructor>());
-    addMethod(cosClass, std::make_unique<InstrumentedSignalsAdd>());
-    addMethod(cosClass, std::make_unique<InstrumentedSignalsSet>());
-    addMethod(cosClass, std::make_unique<InstrumentedSignalsRemove>());
-    addMethod(cosClass, std::make_unique<InstrumentedSignalsGet>());
-    addMethod(cosClass, std::make_unique<InstrumentedSignalsIsPortObserved>());
-    addMethod(cosClass, std::make_unique<InstrumentedSignalsIsKWActivityObserved>());
-    addMethod(cosClass, std::make_unique<InstrumentedSignalsIsAnyKWActivityObserved>());
-    addMethod(cosClass, std::make_unique<InstrumentedSignalsIsBlockAndPortObserved>());
-    addMethod(cosClass, std::make_unique<InstrumentedSignalAddToPortUUIDmap>());
-    addMethod(cosClass, std::make_unique<InstrumentedSignalGetUUIDForBlock>());
-    addMethod(cosClass, std::make_unique<InstrumentedSignalsGetUUID>());
+    addMethod<InstrumentedSignalsConstructor>(cosClass);
+    addMethod<InstrumentedSignalsAdd>(cosClass);
+    addMethod<InstrumentedSignalsSet>(cosClass);
+    addMethod<InstrumentedSignalsRemove>(cosClass);
+    addMethod<InstrumentedSignalsGet>(cosClass);
+    addMethod<InstrumentedSignalsIsPortObserved>(cosClass);
+    addMethod<InstrumentedSignalsIsKWActivityObserved>(cosClass);
+    addMethod<InstrumentedSignalsIsAnyKWActivityObserved>(cosClass);
+    addMethod<InstrumentedSignalsIsBlockAndPortObserved>(cosClass);
+    addMethod<InstrumentedSignalAddToPortUUIDmap>(cosClass);
+    addMethod<InstrumentedSignalGetUUIDForBlock>(cosClass);
+    addMethod<InstrumentedSignalsGetUUID>(cosClass);
 }
 
 }  // namespace zm_hmi_foundation

@@ -31,7 +31,7 @@ zm_hmi::SignalClientPtr makeClient(const StreamingClients& clients, const COSVal
 }
 
 /// "Model": the model's name. Unlike that of the signals it is writable, and renames the model.
-class ClientsModelPI final : public HMIBasePI {
+class ClientsModelPI : public HMIBasePI {
 public:
     explicit ClientsModelPI(const nvcos::COSClass* owner)
         : HMIBasePI(owner, "Model", type_name::unicodeString, nvcos::COSPropAccess::ReadWrite,
@@ -52,7 +52,7 @@ public:
 using ClientsCountPI = CollectionCountPI<StreamingClients>;
 using ClientsPersistencePI = CollectionPersistencePI<StreamingClients>;
 
-class StreamingClientsConstructor final : public HMICOSMethodInfo {
+class StreamingClientsConstructor : public HMICOSMethodInfo {
 public:
     StreamingClientsConstructor()
         : HMICOSMethodInfo({"StreamingClients", {type_name::unicodeString}, {clientsType}, 1})
@@ -69,7 +69,7 @@ public:
     }
 };
 
-class StreamingClientsAdd final : public HMICOSMethodInfo {
+class StreamingClientsAdd : public HMICOSMethodInfo {
 public:
     StreamingClientsAdd() : HMICOSMethodInfo({"add", {clientsType, clientType}, {}}) {}
     void invoke(const COSClient* /*client*/, int& /*outputCount*/, COSValue* /*outputs*/, int /*inputCount*/,
@@ -80,7 +80,7 @@ public:
     }
 };
 
-class StreamingClientsSet final : public HMICOSMethodInfo {
+class StreamingClientsSet : public HMICOSMethodInfo {
 public:
     StreamingClientsSet() : HMICOSMethodInfo({"set", {clientsType, type_name::uint32Scalar, clientType}, {}})
     {
@@ -94,7 +94,7 @@ public:
     }
 };
 
-class StreamingClientsRemove final : public HMICOSMethodInfo {
+class StreamingClientsRemove : public HMICOSMethodInfo {
 public:
     StreamingClientsRemove() : HMICOSMethodInfo({"remove", {clientsType, type_name::uint32Scalar}, {}}) {}
     void invoke(const COSClient* /*client*/, int& /*outputCount*/, COSValue* /*outputs*/, int /*inputCount*/,
@@ -107,7 +107,7 @@ public:
 
 // Its result is declared as the client class, where the signals' "get" declares "any", and it has no struct
 // form.
-class StreamingClientsGet final : public HMICOSMethodInfo {
+class StreamingClientsGet : public HMICOSMethodInfo {
 public:
     StreamingClientsGet() : HMICOSMethodInfo({"get", {clientsType, type_name::uint32Scalar}, {clientType}}) {}
     void invoke(const COSClient* /*client*/, int& outputCount, COSValue* outputs, int /*inputCount*/,
@@ -127,19 +127,21 @@ public:
 void StreamingClientsCOSClassInfo::initializeClass(nvcos::COSClass* cosClass,
                                                    const nvcos::COSClient* /*client*/)
 {
-    addProperty(cosClass, std::make_unique<ClientsModelPI>(cosClass));
-    addProperty(cosClass, std::make_unique<ClientsCountPI>(cosClass));
-    addProperty(cosClass, std::make_unique<ClientsPersistencePI>(cosClass));
-    addMethod(cosClass, std::make_unique<StreamingClientsConstructor>());
-    addMethod(cosClass, std::make_unique<StreamingClientsAdd>());
-    addMethod(cosClass, std::make_unique<StreamingClientsSet>());
-    addMethod(cosClass, std::make_unique<StreamingClientsRemove>());
-    addMethod(cosClass, std::make_unique<StreamingClientsGet>());
+    withHostMemoryErrors([&] {
+        addProperty<ClientsModelPI>(cosClass);
+        addProperty<ClientsCountPI>(cosClass);
+        addProperty<ClientsPersistencePI>(cosClass);
+        addMethod<StreamingClientsConstructor>(cosClass);
+        addMethod<StreamingClientsAdd>(cosClass);
+        addMethod<StreamingClientsSet>(cosClass);
+        addMethod<StreamingClientsRemove>(cosClass);
+        addMethod<StreamingClientsGet>(cosClass);
+    });
 }
 
 void* StreamingClientsCOSClassInfo::allocateInstance(nvcos::COSInterface* /*instance*/)
 {
-    return new StreamingClients;
+    return newCollection<StreamingClients>();
 }
 
 void StreamingClientsCOSClassInfo::deallocateInstance(nvcos::COSInterface* /*instance*/, void* data)
