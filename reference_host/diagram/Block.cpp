@@ -49,6 +49,11 @@ void Block::addPort(PortKind kind, std::u16string name)
     m_ports[static_cast<std::size_t>(kind)].push_back({std::move(name)});
 }
 
+void Block::setPorts(PortKind kind, std::vector<Port> ports)
+{
+    m_ports[static_cast<std::size_t>(kind)] = std::move(ports);
+}
+
 Block* Block::child(std::u16string_view name) const
 {
     const auto found = m_childrenByName.find(name);
@@ -58,6 +63,21 @@ Block* Block::child(std::u16string_view name) const
 void Block::addConnection(Connection connection)
 {
     m_connections.push_back(std::move(connection));
+}
+
+void Block::setConnections(std::vector<Connection> connections)
+{
+    m_connections = std::move(connections);
+}
+
+void Block::setParameter(const std::u16string& name, std::u16string value)
+{
+    m_parameters.insert_or_assign(name, std::move(value));
+}
+
+void Block::removeParameter(const std::u16string& name)
+{
+    m_parameters.erase(name);
 }
 
 Chart& Block::addChart(std::u16string chartName)
@@ -70,9 +90,10 @@ Chart& Block::addChart(std::u16string chartName)
     return *m_chart;
 }
 
-void Block::adopt(std::unique_ptr<Block> child)
+void Block::adopt(std::unique_ptr<Block> child, std::size_t position)
 {
-    Block& adopted = *m_children.emplace_back(std::move(child));
+    const auto place = m_children.begin() + static_cast<std::ptrdiff_t>(position);
+    Block& adopted = **m_children.insert(place, std::move(child));
     adopted.m_parent = this;
     m_childrenByName.emplace(adopted.m_name, &adopted);
 }

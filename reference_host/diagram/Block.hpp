@@ -7,6 +7,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -41,8 +42,9 @@ struct Connection {
 enum class BlockKind { Component, System };
 
 /// A block of a diagram: a component, or a system with blocks of its own. The outermost system of a
-/// model is one too, but it has no ZID and no handle. Blocks are made, renamed and moved by their
-/// `Model`, which owns them; references stay valid until the model is gone. Main thread only.
+/// model is one too, but it has no ZID and no handle. Blocks are made, renamed, moved and removed by their
+/// `Model`, which owns them; references stay valid until the model is gone, and a removed block keeps all
+/// that it is. What is done here or there enters no history: that is `EditHistory`'s. Main thread only.
 class ZM_REFHOST_API Block {
 public:
     Block(const Block&) = delete;
@@ -74,12 +76,19 @@ public:
         return m_ports[static_cast<std::size_t>(kind)];
     }
     void addPort(PortKind kind, std::u16string name);
+    void setPorts(PortKind kind, std::vector<Port> ports);
 
     /// What a system holds, in document order. A component has neither.
     const std::vector<std::unique_ptr<Block>>& children() const noexcept { return m_children; }
     Block* child(std::u16string_view name) const;  ///< null when there is none
     const std::vector<Connection>& connections() const noexcept { return m_connections; }
     void addConnection(Connection connection);
+    void setConnections(std::vector<Connection> connections);
+
+    /// What the block is set to, by name.
+    const std::map<std::u16string, std::u16string>& parameters() const noexcept { return m_parameters; }
+    void setParameter(const std::u16string& name, std::u16string value);
+    void removeParameter(const std::u16string& name);
 
     /// The chart that the block carries; null for none.
     Chart* chart() const noexcept { return m_chart.get(); }
@@ -93,7 +102,7 @@ private:
     Block(Model& model, Block* parent, BlockKind kind, std::u16string name);
 
     /// Moves between owners; the names are checked by the model before.
-    void adopt(std::unique_ptr<Block> child);
+    void adopt(std::unique_ptr<Block> child, std::size_t position);
     std::unique_ptr<Block> release(const Block& child);
     void rename(std::u16string name);
 
@@ -108,6 +117,7 @@ private:
     /// The children by name. The keys are views of the children's own names.
     std::unordered_map<std::u16string_view, Block*> m_childrenByName;
     std::vector<Connection> m_connections;
+    std::map<std::u16string, std::u16string> m_parameters;
     std::unique_ptr<Chart> m_chart;
 };
 

@@ -36,6 +36,8 @@ constexpr std::array messages{
     Message{"InvalidSystem", "\"{0}\" is not a system of the model \"{1}\"."},
     Message{"InvalidBlock", "\"{0}\" is not a block of the model \"{1}\"."},
     Message{"InvalidMove", "\"{0}\" cannot be moved into \"{1}\", which is inside it."},
+    Message{"InvalidPort", "\"{0}\" has no output port {1}."},
+    Message{"InvalidPortOrder", "That is no order of the {1} output ports of \"{0}\"."},
     Message{"InvalidChartBlock", "\"{0}\" cannot be given a chart: {1}."},
     Message{"InvalidChartParent", "Number {0} is no state of the chart, so \"{1}\" cannot be put inside it."},
     // open models

@@ -2,7 +2,9 @@
 
 #include "host/Text.hpp"
 #include "reference_host/diagram/DiagramErrors.hpp"
+#include "reference_host/diagram/EditHistory.hpp"
 
+#include <algorithm>
 #include <charconv>
 #include <utility>
 
@@ -40,14 +42,15 @@ void checkFree(const Block& system, const std::u16string& name)
 
 void checkSystem(const Model& model, const Block& system)
 {
-    if (system.kind() != BlockKind::System || &system.model() != &model) {
+    const bool isThere = &system == &model.root() || model.holds(system);
+    if (system.kind() != BlockKind::System || !isThere) {
         throw diagramError("InvalidSystem", {toUtf8(system.path()), toUtf8(model.name())});
     }
 }
 
 void checkBlock(const Model& model, const Block& block)
 {
-    if (block.parent() == nullptr || &block.model() != &model) {
+    if (!model.holds(block)) {
         throw diagramError("InvalidBlock", {toUtf8(block.path()), toUtf8(model.name())});
     }
 }
@@ -59,9 +62,25 @@ Block* lookUp(const std::unordered_map<Key, Block*>& blocks, const Key& key)
     return found == blocks.end() ? nullptr : found->second;
 }
 
+/// The block and everything in it.
+std::vector<Block*> withContents(Block& block)
+{
+    std::vector<Block*> all{&block};
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        for (const std::unique_ptr<Block>& child : all[i]->children()) {
+            all.push_back(child.get());
+        }
+    }
+    return all;
+}
+
 }  // namespace
 
-Model::Model(std::u16string name) : m_root(*this, nullptr, BlockKind::System, checkedName(std::move(name))) {}
+Model::Model(std::u16string name)
+    : m_root(*this, nullptr, BlockKind::System, checkedName(std::move(name))),
+      m_history(std::make_unique<EditHistory>(*this))
+{
+}
 
 Model::~Model() = default;
 
@@ -93,7 +112,7 @@ Block& Model::add(Block& system, std::u16string name, BlockKind kind)
     Block& block = *made;
     block.m_number = ++m_lastNumber;
     block.m_handle = nextHandle();
-    system.adopt(std::move(made));
+    system.adopt(std::move(made), system.children().size());
     m_byNumber.emplace(block.m_number, &block);
     m_byHandle.emplace(block.m_handle, &block);
     return block;
@@ -111,6 +130,13 @@ void Model::rename(Block& block, std::u16string name)
 
 void Model::move(Block& block, Block& system)
 {
+    if (block.parent() != &system) {
+        move(block, system, system.children().size());
+    }
+}
+
+void Model::move(Block& block, Block& system, std::size_t position)
+{
     checkSystem(*this, system);
     checkBlock(*this, block);
     if (&block == &system || system.isInside(block)) {
@@ -118,8 +144,42 @@ void Model::move(Block& block, Block& system)
     }
     if (block.parent() != &system) {
         checkFree(system, block.name());
-        system.adopt(block.parent()->release(block));
     }
+    system.adopt(block.parent()->release(block), position);
+}
+
+void Model::remove(Block& block)
+{
+    checkBlock(*this, block);
+    for (const Block* gone : withContents(block)) {
+        m_byNumber.erase(gone->number());
+        m_byHandle.erase(gone->handle());
+    }
+    m_removed.push_back(block.parent()->release(block));
+}
+
+void Model::restore(Block& block, std::size_t position)
+{
+    const auto removed = std::find_if(m_removed.begin(), m_removed.end(),
+                                      [&block](const auto& owned) { return owned.get() == &block; });
+    if (removed == m_removed.end()) {
+        throw diagramError("InvalidBlock", {toUtf8(block.path()), toUtf8(name())});
+    }
+    Block& system = *block.parent();
+    checkSystem(*this, system);
+    checkFree(system, block.name());
+    std::unique_ptr<Block> owned = std::move(*removed);
+    m_removed.erase(removed);
+    system.adopt(std::move(owned), position);
+    for (Block* back : withContents(block)) {
+        m_byNumber.emplace(back->number(), back);
+        m_byHandle.emplace(back->handle(), back);
+    }
+}
+
+bool Model::holds(const Block& block) const
+{
+    return findByNumber(block.number()) == &block;
 }
 
 Block* Model::findByPath(std::u16string_view path) const

@@ -7,12 +7,15 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
 namespace reference_host {
+
+class EditHistory;
 
 /// A diagram: an outermost system, which bears the model's name, and the blocks in it at every depth.
 /// Look-ups cost a hash look-up (by path: one a path component), whatever the size of the model.
@@ -45,11 +48,26 @@ public:
     /// system, is a host error ("InvalidBlock"), here and below.
     void rename(Block& block, std::u16string name);
 
-    /// Puts a block, with all that is in it, at the end of another system of this model. ZIDs and
-    /// handles stay; the connections that the block had in its old system are removed. A
-    /// component as the system is a host error ("InvalidSystem"), a system inside the block too
-    /// ("InvalidMove").
+    /// Puts a block, with all that is in it, at the end of another system of this model, or before the
+    /// child that stands at a position. ZIDs and handles stay; the connections that the block had in
+    /// its old system are removed. A component as the system is a host error ("InvalidSystem"), a system
+    /// inside the block too ("InvalidMove").
     void move(Block& block, Block& system);
+    void move(Block& block, Block& system, std::size_t position);
+
+    /// Takes a block out of the diagram, with all that is in it and the connections that it had: no
+    /// look-up finds it, and every other operation refuses it.
+    void remove(Block& block);
+
+    /// Puts a removed block back into the system that it was taken from, before the child that stands at
+    /// the position; number and handle are its own again. Connections are not made anew.
+    void restore(Block& block, std::size_t position);
+
+    /// Whether the block is part of the diagram, the outermost system not counted.
+    bool holds(const Block& block) const;
+
+    /// The edits of the model that can be undone.
+    EditHistory& history() const noexcept { return *m_history; }
 
     /// The block of a path without the model name ("Controller/Limiter"); null when there is none.
     Block* findByPath(std::u16string_view path) const;
@@ -71,6 +89,7 @@ public:
     void setObservers(const nvArray* value);
 
 private:
+    friend class EditHistory;
     friend class OpenModels;
     void setName(std::u16string name);  // an open model is renamed by OpenModels, which knows the others
 
@@ -78,7 +97,9 @@ private:
     std::uint32_t m_lastNumber = 0;
     std::unordered_map<std::uint32_t, Block*> m_byNumber;
     std::unordered_map<double, Block*> m_byHandle;
+    std::vector<std::unique_ptr<Block>> m_removed;
     OwnedValue m_observers;
+    std::unique_ptr<EditHistory> m_history;
 };
 
 }  // namespace reference_host
