@@ -268,14 +268,21 @@ py::object toPython(const nvArray* value)
     if (value == nullptr) {
         return py::none();
     }
-    py::object direct = directForm(value);
-    return direct ? direct : wrap(reference_host::copyShared(value));
+    if (py::object direct = directForm(value)) {
+        return direct;
+    }
+    return wrap(reference_host::copyShared(value));
 }
 
 py::object toPython(OwnedValue value)
 {
-    py::object direct = value ? directForm(value.get()) : py::none();
-    return direct ? direct : wrap(std::move(value));
+    if (value == nullptr) {
+        return py::none();
+    }
+    if (py::object direct = directForm(value.get())) {
+        return direct;
+    }
+    return wrap(std::move(value));
 }
 
 OwnedValue makeStructArray(const py::sequence& elements,

@@ -6,6 +6,7 @@
 
 #include <new>
 #include <stdexcept>
+#include <utility>
 
 namespace py = pybind11;
 
@@ -67,7 +68,7 @@ py::object pythonError(const std::exception_ptr& failure)
 void translate(std::exception_ptr failure)
 {
     try {
-        std::rethrow_exception(failure);
+        std::rethrow_exception(std::move(failure));
     } catch (const zmsvException& error) {
         const py::object raised = hostError(error);
         PyErr_SetObject(py::type::handle_of(raised).ptr(), raised.ptr());
@@ -120,14 +121,14 @@ void Edge::close(const std::exception_ptr& failure)
     }
 }
 
-void Edge::deliver(py::object error)
+void Edge::deliver(const py::object& error)
 {
     py::list warnings;
     for (const Warning& warning : m_warnings) {
         warnings.append(py::make_tuple(warning.text, warning.id.catalog(), warning.id.key(),
                                        py::tuple(py::cast(warning.id.arguments()))));
     }
-    py::module_::import("zmhost._errors").attr("deliver_warnings")(warnings, std::move(error));
+    py::module_::import("zmhost._errors").attr("deliver_warnings")(warnings, error);
 }
 
 }  // namespace zmhost

@@ -57,7 +57,7 @@ public:
 
 private:
     static Edge* checked(Edge* edge);
-    void deliver(pybind11::object error);
+    void deliver(const pybind11::object& error);
 
     static inline Edge* s_current = nullptr;
     static inline std::thread::id s_hostThread = std::this_thread::get_id();

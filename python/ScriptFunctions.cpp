@@ -118,7 +118,7 @@ public:
     {
         stopWhenInterrupted(call.functionName());
         try {
-            py::tuple inputs(call.inputs().size());
+            const py::tuple inputs(call.inputs().size());
             for (std::size_t i = 0; i < inputs.size(); ++i) {
                 inputs[i] = toPython(call.inputs()[i]);
             }

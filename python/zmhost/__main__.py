@@ -42,6 +42,9 @@ def _print_error(error: BaseException) -> None:
 
 def _run_script(path: str, arguments: list[str]) -> int:
     """Runs the script as the main program; its exit code."""
+    if path.endswith(".ssd"):
+        print(f"zmhost: {path} is a diagram; name the script that is to open it", file=sys.stderr)
+        return 2
     try:
         with open(path, "rb") as file:
             source = file.read()

@@ -110,7 +110,7 @@ class Namespace:
         if name.startswith("_"):
             raise AttributeError(name)
         full_name = f"{self._name}.{name}"
-        if _zmhost.has_class(full_name):
+        if full_name in _types or _zmhost.has_class(full_name):
             return class_named(full_name)
         if _zmhost.has_namespace(full_name):
             return namespace_named(full_name)

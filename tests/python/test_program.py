@@ -1,5 +1,6 @@
 """zmhost as a program, and what happens when a program ends."""
 
+import _ctypes
 import os
 import signal
 import subprocess
@@ -115,6 +116,11 @@ def test_a_script_that_is_missing_is_named(run):
     assert result.returncode == 2 and "missing.py" in result.stderr
 
 
+def test_a_diagram_in_place_of_the_script_is_told(run):
+    result = run("-m", "zmhost", GREENHOUSE)
+    assert result.returncode == 2 and "is a diagram" in result.stderr
+
+
 def test_control_c_ends_a_script_as_it_ends_python(script):
     file = script(
         """
@@ -188,9 +194,7 @@ def test_a_file_that_is_no_library_is_named(run, tmp_path):
 
 
 def test_a_library_without_the_entry_point_is_refused(run):
-    import zmhost._zmhost
-
-    result = run("-c", "from zmhost import Zelmar", env={"ZM_HMI_FOUNDATION_LIBRARY": zmhost._zmhost.__file__})
+    result = run("-c", "from zmhost import Zelmar", env={"ZM_HMI_FOUNDATION_LIBRARY": _ctypes.__file__})
     assert result.returncode == 1 and "NVInitialize_zm_hmi_foundation" in result.stderr
 
 
