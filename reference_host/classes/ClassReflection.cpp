@@ -69,9 +69,9 @@ MethodDescription describe(const RegisteredClass& cosClass, const RegisteredClas
     return description;
 }
 
-PropertyDescription describe(const RegisteredClass::Property& property)
+PropertyDescription describe(const RegisteredClass& cosClass, const RegisteredClass::Property& property)
 {
-    return {property.name, property.info->getType()->name,
+    return {property.name, typeOf(cosClass, property).name,
             static_cast<nvcos::COSPropAccess>(property.info->getAccess())};
 }
 
@@ -89,16 +89,16 @@ ClassDescription describeClass(const std::string& className)
         }
     }
     for (const RegisteredClass::Property& property : cosClass.properties()) {
-        description.properties.push_back(describe(property));
+        description.properties.push_back(describe(cosClass, property));
     }
     return description;
 }
 
 std::optional<PropertyDescription> describeProperty(const std::string& className, const std::string& property)
 {
-    const RegisteredClass::Property* found =
-        ClassRegistry::instance().classNamed(className).findProperty(property);
-    return found != nullptr ? std::optional(describe(*found)) : std::nullopt;
+    RegisteredClass& cosClass = ClassRegistry::instance().classNamed(className);
+    const RegisteredClass::Property* found = cosClass.findProperty(property);
+    return found != nullptr ? std::optional(describe(cosClass, *found)) : std::nullopt;
 }
 
 std::optional<MethodDescription> describeMethod(const std::string& className, const std::string& method)

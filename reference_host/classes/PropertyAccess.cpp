@@ -82,7 +82,7 @@ OwnedValue PropertyAccess::get() const
 void PropertyAccess::set(const nvArray* value) const
 {
     nvcos::COSValue converted;
-    const std::string complaint = convertToType(value, *m_property->info->getType(), converted);
+    const std::string complaint = convertToType(value, typeOf(*m_class, *m_property), converted);
     if (!complaint.empty()) {
         throwClassError("WrongValue", m_name + " " + complaint, {m_class->fullName(), m_property->name});
     }

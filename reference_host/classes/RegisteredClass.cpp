@@ -169,6 +169,15 @@ const MethodSignature& signatureOf(const RegisteredClass& cosClass, const Regist
     return *signature;
 }
 
+const nvcos::COSType& typeOf(const RegisteredClass& cosClass, const RegisteredClass::Property& property)
+{
+    const nvcos::COSType* type = property.info->getType();
+    if (type == nullptr) {
+        throwClassError("NullType", "property " + cosClass.fullName() + "." + property.name + " has no type");
+    }
+    return *type;
+}
+
 }  // namespace reference_host
 
 nvcos::COSClass::COSClass() = default;

@@ -89,6 +89,10 @@ private:
 /// The signature of a method; a host error that names both while there is none of the host's making.
 const MethodSignature& signatureOf(const RegisteredClass& cosClass, const RegisteredClass::Method& method);
 
+/// The type of a property, which its descriptor is asked for each time; a host error that names both while
+/// there is none.
+const nvcos::COSType& typeOf(const RegisteredClass& cosClass, const RegisteredClass::Property& property);
+
 }  // namespace reference_host
 
 #endif

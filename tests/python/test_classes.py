@@ -6,7 +6,7 @@ import pydoc
 import pytest
 
 import zmhost
-from zmhost import Zelmar
+from zmhost import Zelmar, _zmhost
 
 
 def test_namespaces_show_what_is_registered():
@@ -172,3 +172,12 @@ def test_a_scripts_host_class_cannot_be_told_from_the_librarys(signals):
 
     for file in pathlib.Path(package).glob("_[a-z]*.py"):
         assert "InstrumentedSignals" not in file.read_text()
+
+
+def test_a_property_whose_type_is_gone_is_a_host_error():
+    clients = Zelmar.HMI.StreamingClients("plant")
+    for use in (lambda: setattr(clients, "Model", "x"), lambda: _zmhost.describe_class(clients._host_class)):
+        with zmhost.faults.armed("COSTypeRepository::getType", zmhost.faults.FaultKind.Null):
+            with pytest.raises(zmhost.HostError, match="StreamingClients.Model has no type"):
+                use()
+    assert clients.Model == "plant"
