@@ -1,6 +1,7 @@
 #ifndef ZM_REFERENCE_HOST_DIAGRAM_COLLECTION_ACCESS_HPP
 #define ZM_REFERENCE_HOST_DIAGRAM_COLLECTION_ACCESS_HPP
 
+#include "reference_host/Export.hpp"
 #include "reference_host/diagram/Model.hpp"
 #include "reference_host/values/Value.hpp"
 
@@ -30,16 +31,16 @@ std::u16string textOf(const nvArray* object, const char* name);
 /// Text `place` of a property that holds a cell array of texts; empty when there are not so many.
 std::u16string textInCells(const nvArray* object, const char* name, std::size_t place);
 
-std::size_t elementsIn(const nvArray* collection);
+ZM_REFHOST_API std::size_t elementsIn(const nvArray* collection);
 
 /// A new object for the element; null where the collection could not make one.
-OwnedValue elementAt(const nvArray* collection, std::size_t index);
+ZM_REFHOST_API OwnedValue elementAt(const nvArray* collection, std::size_t index);
 
 /// The UUID of a signal.
 std::string signalUUID(const nvArray* signals, std::size_t index);
 
 /// An index as methods take it.
-OwnedValue methodIndex(std::size_t index);
+ZM_REFHOST_API OwnedValue methodIndex(std::size_t index);
 
 }  // namespace reference_host
 

@@ -44,6 +44,10 @@ constexpr std::array messages{
     Message{"ModelAlreadyOpen", "A model named \"{0}\" is open already."},
     Message{"ModelNotOpen", "No model named \"{0}\" is open."},
     Message{"UnknownBlock", "No open model has the block \"{0}\" (ZID \"{1}\")."},
+    Message{"SignalUnbound", "A signal on \"{0}\", port {1}, observes what no longer exists."},
+    Message{"ActivityUnbound", "A signal on \"{0}\", chart object {1}, observes what no longer exists."},
+    Message{"DrawingFailed", "\"{0}\" could not be drawn: {1}"},
+    Message{"InvalidSignals", "{0} takes one object of class \"{1}\"."},
     Message{"InvalidClients", "{0} takes one object of class \"{1}\"."},
     Message{"InvalidSignal", "{0} takes one signal, an object of class \"{1}\"."},
 };

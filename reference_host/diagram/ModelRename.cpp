@@ -4,6 +4,7 @@
 #include "reference_host/classes/ModelObserversClass.hpp"
 #include "reference_host/diagram/CollectionAccess.hpp"
 #include "reference_host/diagram/OpenModels.hpp"
+#include "reference_host/diagram/SignalRecords.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"
 
@@ -12,8 +13,6 @@
 namespace reference_host {
 
 namespace {
-
-constexpr const char* signalsClass = "Zelmar.HMI.InstrumentedSignals";
 
 /// Puts the new model name in the old one's place, where the text begins with that and the separator.
 void renameIn(nvArray* signal, const char* property, const std::u16string& oldStart,
