@@ -1,0 +1,235 @@
+#include "editor/SignalEditor.hpp"
+
+#include "editor/SignalsObject.hpp"
+#include "hmi/HMIEngineUtils.hpp"
+#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/diagram/CollectionAccess.hpp"
+#include "reference_host/values/ValueMaking.hpp"
+#include "reference_host/values/ValueReading.hpp"
+
+#include <algorithm>
+#include <utility>
+
+namespace editor {
+
+namespace rh = reference_host;
+using rh::Block;
+using rh::ChangeKind;
+using rh::DiagramChange;
+using rh::SignalRecord;
+
+namespace {
+
+std::vector<const Block*> withContents(const Block& block)
+{
+    std::vector<const Block*> all{&block};
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        for (const auto& child : all[i]->children()) {
+            all.push_back(child.get());
+        }
+    }
+    return all;
+}
+
+/// Whether the signal is the block's, as renumbering decides it.
+class IsOn {
+public:
+    explicit IsOn(const Block& block) : m_handle(block.handle()), m_path(block.path()), m_zid(block.zid()) {}
+    bool operator()(const SignalRecord& signal) const
+    {
+        return signal.cachedHandle == m_handle || signal.path == m_path || signal.zid == m_zid;
+    }
+
+private:
+    double m_handle;
+    std::u16string m_path;
+    std::string m_zid;
+};
+
+template <class IsIt>
+std::vector<std::size_t> indicesOf(const std::vector<SignalRecord>& signals, IsIt isIt)
+{
+    std::vector<std::size_t> indices;
+    for (std::size_t i = 0; i < signals.size(); ++i) {
+        if (isIt(signals[i])) {
+            indices.push_back(i);
+        }
+    }
+    return indices;
+}
+
+void renumber(const nvArray* signals, const Block& block, const std::vector<int>& newNumbers)
+{
+    nativeSignals(signals).renumberPorts(block.handle(), block.path(), block.zid(), newNumbers);
+}
+
+/// The UUID of a port, or a new one that is nobody's.
+std::string portUUID(const Block& block, std::size_t number, bool useMap)
+{
+    const rh::OwnedValue handle = rh::makeDouble(block.handle());
+    const auto uuid = rh::ClassObjects::callStatic(
+        rh::signalsClass, "getUUIDForBlock",
+        {handle.get(), rh::methodIndex(number - 1).get(), rh::makeLogical(useMap).get()});
+    return rh::utf8Text(uuid.front().get());
+}
+
+void setPortUUID(const Block& block, std::size_t number, const std::string& uuid)
+{
+    const rh::OwnedValue handle = rh::makeDouble(block.handle());
+    rh::ClassObjects::callStatic(rh::signalsClass, "setUUIDForBlock",
+                                 {handle.get(), rh::methodIndex(number - 1).get(), rh::makeText(uuid).get()});
+}
+
+/// Has each port keep its UUID under its new number. Ports that are new take back the UUID which they had
+/// under that number when an edit took them away. Returns the UUIDs of ports that are gone, by old number.
+std::map<std::size_t, std::string> renumberUUIDs(const Block& block, const std::vector<int>& newNumbers,
+                                                 const std::map<std::size_t, std::string>& former)
+{
+    std::vector<std::string> uuids(block.ports(rh::PortKind::Output).size());
+    std::map<std::size_t, std::string> gone;
+    for (std::size_t i = 0; i < newNumbers.size(); ++i) {
+        std::string uuid = portUUID(block, i + 1, true);
+        if (newNumbers[i] == 0) {
+            gone.emplace(i + 1, std::move(uuid));
+        } else {
+            uuids[static_cast<std::size_t>(newNumbers[i]) - 1] = std::move(uuid);
+        }
+    }
+    for (std::size_t i = 0; i < uuids.size(); ++i) {
+        if (uuids[i].empty()) {
+            const auto found = former.find(i + 1);
+            uuids[i] = found != former.end() ? found->second : portUUID(block, i + 1, false);
+        }
+        setPortUUID(block, i + 1, uuids[i]);
+    }
+    return gone;
+}
+
+}  // namespace
+
+SignalEditor::SignalEditor(std::shared_ptr<rh::Model> model)
+    : m_model(std::move(model)),
+      m_listener(m_model->history().addListener([this](const DiagramChange& change) { follow(change); }))
+{
+}
+
+SignalEditor::~SignalEditor()
+{
+    m_model->history().removeListener(m_listener);
+}
+
+void SignalEditor::follow(const DiagramChange& change)
+{
+    if (change.kind == ChangeKind::ParameterChanged) {
+        zm_hmi::HMIEngineUtils::updateParamsForBlock(change.block->path());
+        return;
+    }
+    const rh::OwnedValue signals = rh::modelSignals(*m_model);
+    if (!signals) {
+        return;
+    }
+    switch (change.kind) {
+        case ChangeKind::BlockAppeared:
+            takeRemoved(change.edit).signals.putBack(signals.get());
+            break;
+        case ChangeKind::BlockVanished:
+            followVanished(signals.get(), change);
+            break;
+        case ChangeKind::OutputsChanged:
+            followOutputs(signals.get(), change);
+            break;
+        case ChangeKind::BlockRenamed:
+        case ChangeKind::BlockMoved:
+            zm_hmi::InstrumentedSignals::applyRebindingRules(signals.get(), false);
+            break;
+        case ChangeKind::ModelRenamed:      // the host gives a renamed model its signals under the new name
+        case ChangeKind::ParameterChanged:  // above
+            break;
+    }
+}
+
+void SignalEditor::followVanished(const nvArray* signals, const DiagramChange& change)
+{
+    const std::vector<const Block*> blocks = withContents(*change.block);
+    std::vector<IsOn> isOnOne;
+    for (const Block* block : blocks) {
+        isOnOne.emplace_back(*block);
+    }
+    const auto isGone = [&isOnOne](const SignalRecord& signal) {
+        return std::any_of(isOnOne.begin(), isOnOne.end(),
+                           [&signal](const IsOn& isOn) { return isOn(signal); });
+    };
+    Removed removed{RemovedSignals(signals, indicesOf(rh::readSignals(signals), isGone)), {}};
+    for (const Block* block : blocks) {
+        renumber(signals, *block, std::vector<int>(block->ports(rh::PortKind::Output).size(), 0));
+    }
+    // What is left is on none of the ports: on a chart, or beyond the last one.
+    const std::vector<std::size_t> left = indicesOf(rh::readSignals(signals), isGone);
+    for (auto index = left.rbegin(); index != left.rend(); ++index) {
+        removeElement(signals, *index);
+    }
+    m_removed.insert_or_assign(change.edit, std::move(removed));
+}
+
+void SignalEditor::followOutputs(const nvArray* signals, const DiagramChange& change)
+{
+    const Removed former = takeRemoved(change.edit);
+    const auto isGone = [&numbers = change.newNumbers,
+                         isOn = IsOn(*change.block)](const SignalRecord& signal) {
+        const int number = signal.outputPort;
+        return number >= 1 && static_cast<std::size_t>(number) <= numbers.size() &&
+               numbers[static_cast<std::size_t>(number) - 1] == 0 && isOn(signal);
+    };
+    Removed removed{RemovedSignals(signals, indicesOf(rh::readSignals(signals), isGone)), {}};
+    renumber(signals, *change.block, change.newNumbers);
+    removed.portUUIDs = renumberUUIDs(*change.block, change.newNumbers, former.portUUIDs);
+    former.signals.putBack(signals);
+    m_removed.insert_or_assign(change.edit, std::move(removed));
+}
+
+SignalEditor::Removed SignalEditor::takeRemoved(std::uint64_t edit)
+{
+    auto entry = m_removed.extract(edit);
+    return entry ? std::move(entry.mapped()) : Removed();
+}
+
+// ---- what the editor asks and is asked ----------------------------------------------------------------
+
+void SignalEditor::rebind(bool removeUnbound)
+{
+    zm_hmi::InstrumentedSignals::applyRebindingRules(rh::modelSignals(*m_model).get(), removeUnbound);
+}
+
+void SignalEditor::redraw()
+{
+    if (const rh::OwnedValue signals = rh::modelSignals(*m_model)) {
+        m_drawn.redraw(*m_model, signals.get());
+    }
+}
+
+bool SignalEditor::isDrawnPortObserved(const Block& block, std::size_t number) const
+{
+    const rh::OwnedValue signals = rh::modelSignals(*m_model);
+    return signals && m_drawn.isObserved(signals.get(), block, number);
+}
+
+std::vector<SignalEditor::Source> SignalEditor::observedPorts(const std::string& system,
+                                                              const std::string& domainType,
+                                                              bool atEveryDepth, bool goneToo) const
+{
+    std::vector<Source> sources;
+    const rh::OwnedValue name = rh::makeText(m_model->name());
+    zm_hmi::InstrumentedSignals::getObservedPorts(name.get(), system.c_str(), domainType.c_str(), sources,
+                                                  atEveryDepth, goneToo);
+    return sources;
+}
+
+std::set<double> SignalEditor::badgedBlocks() const
+{
+    std::set<double> handles;
+    const rh::OwnedValue name = rh::makeText(m_model->name());
+    zm_hmi::InstrumentedSignals::getPortsWithBadges(name.get(), handles);
+    return handles;
+}
+
+}  // namespace editor

@@ -1,0 +1,73 @@
+#ifndef ZM_EDITOR_SIGNAL_EDITOR_HPP
+#define ZM_EDITOR_SIGNAL_EDITOR_HPP
+
+#include "editor/DrawnPorts.hpp"
+#include "editor/RemovedSignals.hpp"
+#include "hmi/InstrumentedSignals.hpp"
+#include "reference_host/diagram/EditHistory.hpp"
+#include "reference_host/diagram/SignalRecords.hpp"
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace editor {
+
+/// What a host's editor does with the library while a person edits a diagram. As long as it lives it
+/// follows the edits of one model, with the instrumented signals in the model's observers parameter:
+///
+///   output ports added, deleted, put in order    signals renumbered, those of deleted ports removed
+///   a block gone, with what is in it             its signals removed, those on its chart too
+///   a block renamed or moved                     signals rebound
+///   a parameter changed                          announced to the host
+///
+/// Undo does the opposite, and what an edit removed comes back where it was. The process's map of block
+/// ports to UUIDs follows the ports. Main thread only; the library has to be loaded.
+class SignalEditor {
+public:
+    using Source = zm_hmi::InstrumentedSignals::Source;
+
+    explicit SignalEditor(std::shared_ptr<reference_host::Model> model);
+    SignalEditor(const SignalEditor&) = delete;
+    SignalEditor& operator=(const SignalEditor&) = delete;
+    ~SignalEditor();
+
+    const std::shared_ptr<reference_host::Model>& model() const noexcept { return m_model; }
+
+    /// Has the host bind the signals to the diagram as it is now.
+    void rebind(bool removeUnbound);
+
+    /// Draws the ports anew: see `DrawnPorts`. Without signals no port is observed.
+    void redraw();
+    bool isDrawnPortObserved(const reference_host::Block& block, std::size_t number) const;
+
+    /// The host's answers about the open model; see `reference_host::getObservedPorts`.
+    std::vector<Source> observedPorts(const std::string& system, const std::string& domainType,
+                                      bool atEveryDepth, bool goneToo) const;
+    std::set<double> badgedBlocks() const;
+
+private:
+    /// What an edit took away, for its undo.
+    struct Removed {
+        RemovedSignals signals;
+        std::map<std::size_t, std::string> portUUIDs;  // by port number
+    };
+
+    void follow(const reference_host::DiagramChange& change);
+    void followVanished(const nvArray* signals, const reference_host::DiagramChange& change);
+    void followOutputs(const nvArray* signals, const reference_host::DiagramChange& change);
+    Removed takeRemoved(std::uint64_t edit);
+
+    std::shared_ptr<reference_host::Model> m_model;
+    std::uint64_t m_listener;
+    std::map<std::uint64_t, Removed> m_removed;  // by edit
+    DrawnPorts m_drawn;
+};
+
+}  // namespace editor
+
+#endif
