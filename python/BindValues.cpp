@@ -139,7 +139,7 @@ HandlePtr objectElement(const ValueHandle& handle, std::size_t index)
 HandlePtr makeObjectArray(const std::string& className, const py::sequence& objects)
 {
     std::vector<nvcos::COSInterfacePtr> instances;
-    for (const py::handle object : objects) {
+    for (const py::object object : objects) {  // a sequence may make its elements as they are asked for
         const Argument argument(object);
         if (argument.get()->valueClass != ValueClass::ClassObject) {
             throw NoHostValue("an object array holds host objects, not " +

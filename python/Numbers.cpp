@@ -135,12 +135,14 @@ OwnedValue makeNumbers(const std::vector<std::size_t>& dimensions, const py::lis
                        const std::string& className)
 {
     OwnedValue value = makeZeros(dimensions, className);
-    if (reference_host::elementCount(value.get()) != numbers.size()) {
+    // Objects convert themselves in code of their own, which may lengthen or shorten the list meanwhile.
+    const std::size_t count = reference_host::elementCount(value.get());
+    if (count != numbers.size()) {
         throw py::value_error(reference_host::dimensions(value.get()).text() +
                               " has another number of elements than " + std::to_string(numbers.size()));
     }
     if (value->valueClass == ValueClass::Logical) {
-        for (std::size_t i = 0; i < numbers.size(); ++i) {
+        for (std::size_t i = 0; i < count; ++i) {
             reference_host::setElement(value.get(), i, elementFrom<bool>(numbers[i]) ? 1.0 : 0.0);
         }
         return value;
@@ -148,7 +150,7 @@ OwnedValue makeNumbers(const std::vector<std::size_t>& dimensions, const py::lis
     auto* data = static_cast<std::byte*>(reference_host::writableNumericData(value.get()));
     reference_host::withNumericType(value->valueClass, [&](auto type) {
         using Number = typename decltype(type)::type;
-        for (std::size_t i = 0; i < numbers.size(); ++i) {
+        for (std::size_t i = 0; i < count; ++i) {
             const auto number = elementFrom<Number>(numbers[i]);
             std::memcpy(data + i * sizeof(Number), &number, sizeof(Number));
         }

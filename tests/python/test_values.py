@@ -7,7 +7,7 @@ import math
 import pytest
 
 import zmhost
-from zmhost import CellArray, Matrix, StructArray
+from zmhost import CellArray, Matrix, StructArray, _zmhost
 
 
 @pytest.mark.parametrize(
@@ -181,3 +181,41 @@ def test_structs_and_cells_nest(echo):
     assert isinstance(back[0], StructArray)
     assert back[0]["a"][1]["b"] == "c"
     assert back[1] == "text"
+
+
+class Meddling:
+    """A number that lengthens or shortens the list that holds it while it is being read."""
+
+    def __init__(self, meddle):
+        self.meddle = meddle
+
+    def __float__(self):
+        self.meddle()
+        return 1.0
+
+
+def test_a_list_that_grows_while_its_numbers_are_read_gives_the_numbers_that_were_asked_for():
+    numbers = [Meddling(lambda: numbers.extend([9.0] * 100_000)), 2.0]
+    assert _zmhost.make_numbers([1, 2], numbers, "double").numbers() == [1.0, 2.0]
+
+
+def test_a_list_that_shrinks_while_its_numbers_are_read_is_an_error():
+    numbers = [Meddling(lambda: numbers.clear()), 2.0]
+    with pytest.raises(IndexError):
+        _zmhost.make_numbers([1, 2], numbers, "double")
+
+
+class MadeWhenAsked:
+    """A sequence of objects that nobody else holds."""
+
+    def __len__(self):
+        return 3
+
+    def __getitem__(self, index):
+        if index < len(self):
+            return zmhost.Zelmar.HMI.SignalClient()
+        raise IndexError(index)
+
+
+def test_an_object_array_takes_objects_that_only_the_sequence_makes():
+    assert _zmhost.make_object_array("Zelmar.HMI.SignalClient", MadeWhenAsked()).dims == (3, 1)
