@@ -11,6 +11,7 @@ void bindClasses(pybind11::module_& module);
 void bindCalls(pybind11::module_& module);
 void bindDiagram(pybind11::module_& module);
 void bindReports(pybind11::module_& module);
+void bindRecorder(pybind11::module_& module);
 
 }  // namespace zmhost
 

@@ -28,9 +28,11 @@ from typing import TYPE_CHECKING, Any, TypeVar
 from zmhost import _classes, _library, _zmhost, faults
 from zmhost._classes import HostObject, Namespace, ObjectArray
 from zmhost._errors import ElementIndexError, HostError, HostWarning
+from zmhost._recording import FileRecording, VariableRecording, replay, workspace
 from zmhost._reports import Journal, Ledger, WarningSink, journal, ledger, log_host_calls
 from zmhost._values import CellArray, Matrix, Struct, StructArray
-from zmhost._zmhost import Block, Chart, ChartObject, Connection, Model, Port, Value, models, open_model
+from zmhost._zmhost import Block, Chart, ChartObject, Connection, Model, Port, Recording, Value
+from zmhost._zmhost import active_recordings, models, open_model
 
 if TYPE_CHECKING:
     Zelmar: Namespace
@@ -42,6 +44,7 @@ __all__ = [
     "ChartObject",
     "Connection",
     "ElementIndexError",
+    "FileRecording",
     "HostError",
     "HostObject",
     "HostWarning",
@@ -52,10 +55,13 @@ __all__ = [
     "Namespace",
     "ObjectArray",
     "Port",
+    "Recording",
     "Struct",
     "StructArray",
     "Value",
+    "VariableRecording",
     "WarningSink",
+    "active_recordings",
     "call",
     "faults",
     "get_property",
@@ -67,8 +73,10 @@ __all__ = [
     "models",
     "open_model",
     "remove_host_function",
+    "replay",
     "set_property",
     "warnings",
+    "workspace",
 ]
 
 warnings = WarningSink()
