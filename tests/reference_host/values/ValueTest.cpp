@@ -141,6 +141,24 @@ TEST_F(ValueTest, LentFromAContainerThatEndsIsAMisuse)
     }
 }
 
+TEST_F(ValueTest, InTheHeaderOfALentOneKnowsNothingOfThatLoan)
+{
+    expectMisuses(1);
+    nvArray* header = makeDouble(2).release();
+    OwnedValue cells = makeCell(OwnedValue(header));
+    OwnedValue reused;
+    {
+        const Loan loan(header);
+        cells.reset();
+        for (int i = 0; i < 100000 && reused.get() != header; ++i) {
+            reused = makeDouble(3);
+        }
+        ASSERT_EQ(reused.get(), header);
+        EXPECT_EQ(reused->loans, 0u);
+    }
+    EXPECT_EQ(reused->loans, 0u);
+}
+
 TEST_F(ValueTest, ThatIsDeadIsNotLent)
 {
     expectMisuses(1);
