@@ -8,6 +8,9 @@
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"
 
+#include <optional>
+#include <unordered_map>
+
 namespace reference_host {
 
 namespace {
@@ -19,15 +22,47 @@ std::shared_ptr<Model> modelOfClient(const nvArray* client)
     return model != nullptr ? model : OpenModels::find(textOf(client, "SourceModel_"));
 }
 
-OwnedValue findSignal(const nvArray* signals, const std::string& uuid)
-{
-    const std::size_t count = elementsIn(signals);
-    for (std::size_t i = 0; i < count; ++i) {
-        if (signalUUID(signals, i) == uuid) {
-            return elementAt(signals, i);
+/// Where the signals of one collection stood when it was last looked through, so that a thousand clients
+/// do not look through it a thousand times. Only a hint: the collection is asked whether it still holds.
+class SignalPlaces {
+public:
+    /// The place of a signal; none when the collection lacks it.
+    std::optional<std::size_t> find(const nvArray* signals, const std::string& uuid)
+    {
+        std::optional<std::size_t> place = placeOf(signals, uuid);
+        if (!place) {
+            lookThrough(signals);
+            place = placeOf(signals, uuid);
+        }
+        return place;
+    }
+
+private:
+    std::optional<std::size_t> placeOf(const nvArray* signals, const std::string& uuid) const
+    {
+        const auto found = m_places.find(uuid);
+        const bool holds = found != m_places.end() && found->second < elementsIn(signals) &&
+                           signalUUID(signals, found->second) == uuid;
+        return holds ? std::optional(found->second) : std::nullopt;
+    }
+
+    void lookThrough(const nvArray* signals)
+    {
+        m_places.clear();
+        const std::size_t count = elementsIn(signals);
+        for (std::size_t i = 0; i < count; ++i) {
+            m_places.emplace(signalUUID(signals, i), i);
         }
     }
-    return nullptr;
+
+    std::unordered_map<std::string, std::size_t> m_places;
+};
+
+OwnedValue findSignal(const nvArray* signals, const std::string& uuid)
+{
+    static SignalPlaces places;
+    const std::optional<std::size_t> place = places.find(signals, uuid);
+    return place ? elementAt(signals, *place) : nullptr;
 }
 
 /// Handle and port as the diagram has them; empty where there is no such port.
