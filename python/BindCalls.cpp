@@ -27,9 +27,6 @@ py::object callFunction(const std::string& name, const py::tuple& arguments, std
 void bindCalls(py::module_& module)
 {
     module.def("call_function", callFunction, py::arg("name"), py::arg("arguments"), py::arg("outputs"));
-    module.def("has_function", [](const std::string& name) {
-        return atEdge([&] { return HostFunctions::isDefined(name); });
-    });
     module.def("function_names", &HostFunctions::names);
     module.def("define_function", defineScriptFunction, py::arg("name"), py::arg("function"),
                py::arg("replace"));

@@ -197,8 +197,6 @@ void bindValues(py::module_& module)
         py::arg("elements"), py::arg("fields"));
     module.def("make_cell_array", makeCellArray, py::arg("dims"), py::arg("cells"));
     module.def("make_object_array", makeObjectArray, py::arg("class_name"), py::arg("objects"));
-    module.def(
-        "to_host", [](py::handle object) { return handleOf(toHost(object)); }, py::arg("object"));
 }
 
 }  // namespace zmhost
