@@ -25,7 +25,7 @@ import sys
 from collections.abc import Callable
 from typing import TYPE_CHECKING, Any, TypeVar
 
-from zmhost import _classes, _library, _zmhost, faults
+from zmhost import _classes, _library, _zmhost, editor, faults
 from zmhost._classes import HostObject, Namespace, ObjectArray
 from zmhost._errors import ElementIndexError, HostError, HostWarning
 from zmhost._recording import FileRecording, VariableRecording, replay, workspace
@@ -63,6 +63,7 @@ __all__ = [
     "WarningSink",
     "active_recordings",
     "call",
+    "editor",
     "faults",
     "get_property",
     "host_function",
