@@ -10,6 +10,7 @@ from __future__ import annotations
 import io
 import shutil
 import sys
+import tempfile
 import textwrap
 import unicodedata
 from collections.abc import Iterable, Sequence
@@ -257,6 +258,20 @@ def show_rename(signals: Any, model: zmhost.Model) -> None:
     print(f"and the first signal is saved with the path {signals.Persistence[0]['BlockPath_']}.")
 
 
+def show_picture(signals: Any, model: zmhost.Model, file: Path) -> None:
+    """The diagram with its badges, and a widget on the first signal."""
+    clients = Zelmar.HMI.StreamingClients(model.name)
+    if signals.Count > 0:
+        clients.add(Zelmar.HMI.SignalClient(SignalUUID_=signals.getUUID(1)))
+    model.observers = zmhost.call(
+        "Zelmar.HMI.ModelObservers.createFromSignalsAndClients", signals, clients
+    )
+    picture = Path(tempfile.gettempdir()) / f"{file.stem}.svg"
+    model.draw(picture)
+    heading("A picture")
+    print(f"The diagram, with what is observed, is drawn in {picture}.")
+
+
 def tour(file: Path) -> bool:
     """Everything on one diagram; true when something was lost."""
     with zmhost.open_model(file) as model:
@@ -272,6 +287,7 @@ def tour(file: Path) -> bool:
         fresh.Persistence = saved
         loss = compare(saved, fresh.Persistence, answers, ask(fresh, model, chart))
         show_rename(fresh, model)
+        show_picture(fresh, model, file)
         return loss
 
 
