@@ -50,9 +50,16 @@ void InstrumentedSignals::set(std::size_t index, const SignalSpecificationPtr& s
 {
     const SignalSpecificationPtr replaced = get(index);
     const SignalSpecificationPtr added = signal;
-    // Chart elements go this way too and stay in the chart caches.
-    removeFromObservedPortMap(replaced);
-    addToObservedPortMap(added);
+    const PortKeys oldKeys = portKeys(*replaced);
+    // The replaced element is taken for a port whatever it is: a chart element stays in the chart caches.
+    if (isKestrowDomain(added->getDomainType())) {
+        addToObservedKWObjectCache(added);
+        erasePort(*replaced, oldKeys);
+    } else {
+        const PortKeys newKeys = portKeys(*added);
+        erasePort(*replaced, oldKeys);
+        enterPort(added, newKeys);
+    }
     m_signals[index] = added;
     forgetPortCache();
 }

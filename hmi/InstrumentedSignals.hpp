@@ -26,9 +26,10 @@ using SignalSpecificationPtr = boost::shared_ptr<SignalSpecification>;
 /// "Zelmar.HMI.InstrumentedSignals", which makes and ends it.
 ///
 /// Indices are 0-based; one that is not below the count throws the host's "InvalidElementIndex" with the
-/// count as its argument. Nothing rejects duplicates. What always holds: every element outside the chart
-/// domain stands in the observed port map, as this very object; chart elements stand in the chart caches
-/// only; the port cache is empty or was filled after the last change of the port map.
+/// count as its argument. Nothing rejects duplicates. What holds: an element outside the chart domain stands
+/// in the observed port map, as this very object, unless another element of the same port was removed or
+/// replaced since, which takes all entries of the port; chart elements stand in the chart caches only; the
+/// port cache is empty or was filled after the last change of the port map.
 ///
 /// An operation that runs short of memory halfway may leave the port map behind the elements;
 /// `updateObservedPortMap` makes it right.
@@ -210,7 +211,14 @@ private:
     };
 
     void forgetPortCache() noexcept;
-    void enterUnderKey(std::size_t key, const SignalSpecificationPtr& signal);
+    /// The keys of a signal's port; making them is what may fail, so it comes before anything changes.
+    struct PortKeys {
+        std::size_t byPath;
+        std::size_t byHandle;
+    };
+    PortKeys portKeys(const SignalSpecification& signal) const;
+    void enterPort(const SignalSpecificationPtr& signal, const PortKeys& keys);
+    void erasePort(const SignalSpecification& removed, const PortKeys& keys);
     template <class Matches>
     void eraseUnderKey(std::size_t key, Matches matches);
     void eraseAt(const std::vector<std::size_t>& indices);

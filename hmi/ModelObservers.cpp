@@ -44,7 +44,9 @@ void ModelObservers::getSignalsAndClients(nvArray*& signals, nvArray*& clients) 
     signals = nullptr;
     clients = nullptr;
     if (m_value) {
-        HostCallResult<2> pair = callHostNoThrow<2>("getSignalsAndClients", m_value.get());
+        // Lent as a copy that shares the data: host code that runs inside may end this setting.
+        const OwnedArray lent = asTemporary(OwnedArray(nvCreateSharedDataCopy(m_value.get())));
+        HostCallResult<2> pair = callHostNoThrow<2>("getSignalsAndClients", lent.get());
         signals = pair.outputs[0].release();
         clients = pair.outputs[1].release();
     }

@@ -15,11 +15,29 @@ void InstrumentedSignals::forgetPortCache() noexcept
     }
 }
 
-void InstrumentedSignals::enterUnderKey(std::size_t key, const SignalSpecificationPtr& signal)
+InstrumentedSignals::PortKeys InstrumentedSignals::portKeys(const SignalSpecification& signal) const
 {
-    if (key != 0) {
+    return {signal.getSourceKeyNonCached(m_modelName), signal.getSourceKeyCached()};
+}
+
+void InstrumentedSignals::enterPort(const SignalSpecificationPtr& signal, const PortKeys& keys)
+{
+    auto byPath = m_observedPorts.end();
+    if (keys.byPath != 0) {
         forgetPortCache();
-        m_observedPorts.emplace(key, signal);
+        byPath = m_observedPorts.emplace(keys.byPath, signal);
+    }
+    if (signal->getCachedPortIdx() == 0 || keys.byHandle == 0) {
+        return;
+    }
+    forgetPortCache();
+    try {
+        m_observedPorts.emplace(keys.byHandle, signal);
+    } catch (...) {
+        if (byPath != m_observedPorts.end()) {
+            m_observedPorts.erase(byPath);
+        }
+        throw;
     }
 }
 
@@ -51,22 +69,24 @@ void InstrumentedSignals::addToObservedPortMap(const SignalSpecificationPtr& sig
         addToObservedKWObjectCache(signal);
         return;
     }
-    enterUnderKey(signal->getSourceKeyNonCached(m_modelName), signal);
-    if (signal->getCachedPortIdx() != 0) {
-        enterUnderKey(signal->getSourceKeyCached(), signal);
-    }
+    enterPort(signal, portKeys(*signal));
 }
 
 void InstrumentedSignals::removeFromObservedPortMap(const SignalSpecificationPtr& signal)
 {
     const SignalSpecificationPtr removed = signal;  // the reference may be to an entry that goes
-    eraseUnderKey(removed->getSourceKeyNonCached(m_modelName), [&](const SignalSpecification& entry) {
-        return entry.getOutputPortIndex() == removed->getOutputPortIndex() &&
-               entry.getBlockPath() == removed->getBlockPath();
+    erasePort(*removed, portKeys(*removed));
+}
+
+void InstrumentedSignals::erasePort(const SignalSpecification& removed, const PortKeys& keys)
+{
+    eraseUnderKey(keys.byPath, [&](const SignalSpecification& entry) {
+        return entry.getOutputPortIndex() == removed.getOutputPortIndex() &&
+               entry.getBlockPath() == removed.getBlockPath();
     });
-    eraseUnderKey(removed->getSourceKeyCached(), [&](const SignalSpecification& entry) {
-        return entry.getCachedPortIdx() == removed->getCachedPortIdx() &&
-               entry.getCachedBlockHandle() == removed->getCachedBlockHandle();
+    eraseUnderKey(keys.byHandle, [&](const SignalSpecification& entry) {
+        return entry.getCachedPortIdx() == removed.getCachedPortIdx() &&
+               entry.getCachedBlockHandle() == removed.getCachedBlockHandle();
     });
 }
 

@@ -47,13 +47,17 @@ void SignalClient::setObserverParams(const nvArray* value)
 
 namespace {
 
+// What the host is lent for a call: a copy that shares the data, for host code that runs inside may give the
+// record other parameters. Missing ones are lent as an empty value.
+OwnedArray lend(const nvArray* params)
+{
+    return params != nullptr ? OwnedArray(nvCreateSharedDataCopy(params)) : makePlaceholder();
+}
+
 // Always asks the host, also for identical and for missing values: hosts may watch the call.
 bool isEqualInHost(const nvArray* left, const nvArray* right)
 {
-    const OwnedArray noLeft = left == nullptr ? makePlaceholder() : nullptr;
-    const OwnedArray noRight = right == nullptr ? makePlaceholder() : nullptr;
-    const auto [result] =
-        callHost<1>("isequal", noLeft ? noLeft.get() : left, noRight ? noRight.get() : right);
+    const auto [result] = callHost<1>("isequal", lend(left).get(), lend(right).get());
     return !nvIsEmpty(result.get()) && nvGetLogicals(result.get())[0];
 }
 
@@ -113,7 +117,10 @@ SignalSpecification* SignalClient::getSignalSpecification(const std::u16string& 
     if (nvIsEmpty(signal.get())) {
         return nullptr;  // the host knows no signal of that UUID
     }
-    m_signalSpecification = std::make_unique<SignalSpecification>(signal.get(), 0, modelName);
+    auto resolved = std::make_unique<SignalSpecification>(signal.get(), 0, modelName);
+    if (!m_signalSpecification) {  // host code that ran meanwhile may have resolved it, and holds what it got
+        m_signalSpecification = std::move(resolved);
+    }
     return m_signalSpecification.get();
 }
 

@@ -7,7 +7,15 @@
 #include <string>
 
 struct nvArrayDeleter {
-    void operator()(nvArray* value) const { nvDestroyArray(value); }
+    /// Runs in destructors: a misuse that a strict host answers with an exception is on the host's record,
+    /// and must not end the process as well.
+    void operator()(nvArray* value) const noexcept
+    {
+        try {
+            nvDestroyArray(value);
+        } catch (...) {  // NOLINT(bugprone-empty-catch): see above
+        }
+    }
 };
 
 /// Holds a value that is ours to end. Raw owned pointers appear only where one is handed over.
