@@ -23,11 +23,10 @@ std::string targetOf(const OutputPort& port, const streamout::WksRecordingContex
 
 }  // namespace
 
-VariableRecordingBlock::VariableRecordingBlock(const OutputPort& port, streamout::WksRecordingContext context,
+VariableRecordingBlock::VariableRecordingBlock(const OutputPort& port,
+                                               const streamout::WksRecordingContext& context,
                                                Workspace workspace)
-    : RecordingBlock(port, targetOf(port, context)),
-      m_context(std::move(context)),
-      m_workspace(std::move(workspace))
+    : RecordingBlock(port, targetOf(port, context)), m_context(context), m_workspace(std::move(workspace))
 {
 }
 

@@ -20,7 +20,7 @@ class VariableRecordingBlock : public RecordingBlock {
 public:
     /// The context's texts are read as `parseLimits` says, when a run begins. A context without a variable
     /// name is a host error ("NoTarget").
-    VariableRecordingBlock(const OutputPort& port, streamout::WksRecordingContext context,
+    VariableRecordingBlock(const OutputPort& port, const streamout::WksRecordingContext& context,
                            Workspace workspace);
 
     /// The context for a port's recording.
