@@ -12,6 +12,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -215,12 +216,24 @@ TEST_F(ModelObserversTest, AHostThatGivesOnlyOneOutputGivesOne)
     expectNoWarning();
 }
 
+TEST_F(ModelObserversTest, HostCodeMayEndThemWhileTheyAreSplit)
+{
+    auto observers = std::make_unique<ModelObservers>(makePair().get());
+    const rh::ScopedHostFunction ending("getSignalsAndClients", [&](rh::HostFunctionCall& call) {
+        observers.reset();
+        rh::getSignalsAndClients(call);
+    });
+    const auto [signals, clients] = split(*observers);
+    EXPECT_EQ(rh::describe(clients.get()), "0x0 double");
+    expectNoWarning();
+}
+
 TEST_F(ModelObserversTest, SplittingFreesAllWhenAnOperationFails)
 {
     const rh::OwnedValue pair = makePair();
     const ModelObservers observers(pair.get());
     for (const rh::FaultKind kind : {rh::FaultKind::OutOfMemory, rh::FaultKind::HostException}) {
-        EXPECT_EQ(rh::walkFaults(rh::Faults::anyOperation, kind, [&] { split(observers); }), 3U);
+        EXPECT_EQ(rh::walkFaults(rh::Faults::anyOperation, kind, [&] { split(observers); }), 5U);
     }
     rh::Warnings::clear();
 }

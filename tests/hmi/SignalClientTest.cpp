@@ -246,6 +246,19 @@ TEST_F(SignalClientTest, AnEmptyAnswerMeansUnequal)
     EXPECT_FALSE(SignalClient().isEqual(makeClient({}).get()));
 }
 
+TEST_F(SignalClientTest, HostCodeMayReplaceTheParametersWhileTheyAreCompared)
+{
+    const SignalClientPtr client = makeClient(distinctClient());
+    const SignalClientPtr other = makeClient(distinctClient());
+    const rh::ScopedHostFunction replacing("isequal", [&](rh::HostFunctionCall& call) {
+        client->setObserverParams(nullptr);
+        other->renameModel(u"plant", u"works");
+        rh::isEqual(call);
+    });
+    EXPECT_TRUE(client->isEqual(other.get()));
+    EXPECT_EQ(client->getObserverParams(), nullptr);
+}
+
 TEST_F(SignalClientTest, ComparingFreesAllWhenAnOperationFails)
 {
     const SignalClientPtr client = makeClient({});
@@ -468,6 +481,19 @@ TEST_F(ObservedSignalTest, ThatIsAnotherValueIsAHostErrorAndNotKept)
         EXPECT_THROW(m_client->getSignalSpecification(u"m"), zmsvException);
     }
     EXPECT_NE(m_client->getSignalSpecification(u"m"), nullptr);
+}
+
+TEST_F(ObservedSignalTest, ThatHostCodeHasResolvedMeanwhileStaysTheOneItGot)
+{
+    const SignalSpecification* inner = nullptr;
+    const rh::ScopedHostFunction resolving("getSignalInfo", [&](rh::HostFunctionCall& call) {
+        const rh::ScopedHostFunction plain("getSignalInfo",
+                                           [&](auto& innerCall) { innerCall.setOutput(0, signalObject()); });
+        inner = m_client->getSignalSpecification(u"m");
+        call.setOutput(0, signalObject());
+    });
+    EXPECT_EQ(m_client->getSignalSpecification(u"m"), inner);
+    EXPECT_NE(inner, nullptr);
 }
 
 TEST_F(ObservedSignalTest, FreesAllWhenAnOperationFails)

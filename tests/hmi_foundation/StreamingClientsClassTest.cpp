@@ -328,30 +328,37 @@ TEST_F(StreamingClientsClassTest, ClientsAndSignalsRefuseEachOthersElements)
     EXPECT_EQ(hostError([&] { call(signals, "add", {client.get()}); }), "WrongArgument");
 }
 
-TEST_F(StreamingClientsClassTest, ItsMethodsTakeNoObjectOfAnotherKind)
+TEST_F(StreamingClientsClassTest, ClientsAndSignalsHaveNotEachOthersMethods)
 {
     const rh::OwnedValue signals = rh::ClassObjects::construct(signalsClass);
-    const rh::OwnedValue client = makeClientObject({});
-    const rh::OwnedValue others[] = {rh::copyShared(signals.get()), makePersistedClients({{}}),
-                                     rh::ClassObjects::makeObjectArray(className, {}), rh::makeEmptyValue(),
-                                     nullptr};
-    for (const rh::OwnedValue& other : others) {
-        // As a script calls a function with the object in front.
-        EXPECT_THROW(rh::ClassObjects::callStatic(className, "add", {other.get(), client.get()}),
-                     zmsvException)
-            << rh::describe(other.get());
-    }
+    const rh::OwnedValue index = rh::makeDouble(1.0);
+    EXPECT_EQ(hostError([&] { call("getUUID", {index.get()}); }), "UnknownMethod");
+    EXPECT_EQ(hostError([&] { call(signals, "StreamingClients", {}); }), "UnknownMethod");
+    EXPECT_EQ(hostError([&] { call(signals, "get", {index.get()}); }), "InvalidElementIndex");
 }
 
-TEST_F(StreamingClientsClassTest, ItsMethodsCannotBeCalledOnValuesThatAreNoObjects)
+TEST_F(StreamingClientsClassTest, MethodsAreNotCalledOnTheClass)
 {
     const rh::OwnedValue client = makeClientObject({});
-    const rh::OwnedValue others[] = {makePersistedClients({{}}),
-                                     rh::ClassObjects::makeObjectArray(className, {}), rh::makeEmptyValue(),
-                                     nullptr};
+    EXPECT_EQ(hostError([&] {
+                  rh::ClassObjects::callStatic(className, "add", {m_object.get(), client.get()});
+              }),
+              "NoObject");
+}
+
+TEST_F(StreamingClientsClassTest, MethodsAreCalledOnOneObjectAndNothingElse)
+{
+    const rh::OwnedValue client = makeClientObject({});
+    const nvcos::COSInterfacePtr& instance = rh::objects(m_object.get()).front();
+    const rh::OwnedValue others[] = {makePersistedClients({{}}), rh::makeEmptyValue(),
+                                     rh::ClassObjects::makeObjectArray(className, {}),
+                                     rh::ClassObjects::makeObjectArray(className, {instance, instance})};
     for (const rh::OwnedValue& other : others) {
-        EXPECT_THROW(call(other, "add", {client.get()}), zmsvException) << rh::describe(other.get());
+        EXPECT_EQ(hostError([&] { call(other, "add", {client.get()}); }), "NoObject")
+            << rh::describe(other.get());
     }
+    EXPECT_EQ(hostError([&] { call(nullptr, "add", {client.get()}); }), "NullArgument");
+    EXPECT_EQ(read("Count"), "uint32 0");
 }
 
 TEST_F(StreamingClientsClassTest, AnIndexThatIsNoIndexIsAHostError)
