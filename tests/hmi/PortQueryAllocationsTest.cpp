@@ -1,43 +1,15 @@
 #include "hmi/InstrumentedSignals.hpp"
 
 #include "host/Text.hpp"
+#include "tests/hmi/CountingNew.hpp"
 #include "tests/hmi/LibraryTest.hpp"
 #include "tests/hmi/SignalValues.hpp"
 
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <cstddef>
-#include <cstdlib>
 #include <new>
 #include <string>
-
-// In an executable of its own, whose operator new counts.
-
-namespace {
-
-std::atomic<std::size_t> allocations{0};
-
-}  // namespace
-
-void* operator new(std::size_t size)
-{
-    ++allocations;
-    if (void* block = std::malloc(size)) {
-        return block;
-    }
-    throw std::bad_alloc();
-}
-
-void operator delete(void* block) noexcept
-{
-    std::free(block);
-}
-
-void operator delete(void* block, std::size_t /*size*/) noexcept
-{
-    std::free(block);
-}
 
 namespace zm_hmi {
 namespace {
@@ -45,9 +17,9 @@ namespace {
 template <class Action>
 std::size_t allocationsOf(Action action)
 {
-    const std::size_t before = allocations;
+    const std::size_t before = counting_new::allocations();
     action();
-    return allocations - before;
+    return counting_new::allocations() - before;
 }
 
 class PortQueryAllocations : public LibraryTest {
