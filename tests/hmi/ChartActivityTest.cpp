@@ -57,6 +57,24 @@ TEST_P(EachChartActivity, IsObservedForItsObjectOnly)
     EXPECT_FALSE(signals.isAnyKWActivityObserved(u"7", 4.0));
 }
 
+TEST_P(EachChartActivity, IsKeptApartFromTheOthers)
+{
+    for (const char16_t* other : {u"Self", u"Child", u"Leaf", u"Data"}) {
+        if (std::u16string(other) != GetParam()) {
+            const SignalSpecificationPtr both[] = {makeSignal(stateValues("7", u"3", GetParam())),
+                                                   makeSignal(stateValues("7", u"3", other))};
+            signals.addToObservedKWObjectCache(both[0]);
+            signals.addToObservedKWObjectCache(both[1]);
+            signals.removeFromObservedKWObject(both[0]);
+            EXPECT_FALSE(signals.isKWActivityObserved(u"7", 3.0, GetParam()));
+            EXPECT_TRUE(signals.isKWActivityObserved(u"7", 3.0, other));
+            EXPECT_TRUE(signals.isAnyKWActivityObserved(u"7", 3.0));
+            signals.removeFromObservedKWObject(both[1]);
+            EXPECT_FALSE(signals.isAnyKWActivityObserved(u"7", 3.0));
+        }
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Activities, EachChartActivity, testing::Values(u"Self", u"Child", u"Leaf", u"Data"),
                          [](const auto& test) {
                              const std::u16string name(test.param);

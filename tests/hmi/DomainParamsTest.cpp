@@ -102,6 +102,13 @@ TEST_F(DomainParams, ReadingConvertsNamesToUtf16)
               (Map{{u"Gr\u00f6\u00dfe", u"\U0001F33F"}}));
 }
 
+TEST_F(DomainParams, ReadingALaterFieldOfTheSameNameReplacesTheEarlierOne)
+{
+    // Two names that are no UTF-8 become the same name.
+    EXPECT_EQ(extract(makeStruct({{"\xff", u"earlier"}, {"\xfe", u"later"}}).get()),
+              (Map{{u"\ufffd", u"later"}}));
+}
+
 TEST_F(DomainParams, ReadingAnUnsetFieldGivesAnEmptyText)
 {
     EXPECT_EQ(extract(rh::makeStruct(rh::Dimensions(1, 1), {"a"}).get()), (Map{{u"a", u""}}));

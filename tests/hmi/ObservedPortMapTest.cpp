@@ -198,6 +198,22 @@ TEST_F(ObservedPortMap, RemovingReachesTheCachedEntryOfAMovedSignal)
     EXPECT_EQ(entriesOf(signal), 1);
 }
 
+TEST_F(ObservedPortMap, RemovingLooksAtTheEntriesAsTheyAreNow)
+{
+    const SignalSpecificationPtr signal = add(bound);
+    const SignalSpecificationPtr elsewhere =
+        makeSignal({.blockPath = u"B", .outputPort = 1, .cachedHandle = 2.5, .cachedPort = 1});
+    signal->setCachedInfo(2.5, 9);
+    signals.removeFromObservedPortMap(elsewhere);
+    EXPECT_EQ(entriesOf(signal), 2) << "another port under the same key";
+    signal->setCachedInfo(9.5, 1);
+    signals.removeFromObservedPortMap(elsewhere);
+    EXPECT_EQ(entriesOf(signal), 2) << "another handle under the same key";
+    signal->setCachedInfo(2.5, 1);
+    signals.removeFromObservedPortMap(elsewhere);
+    EXPECT_EQ(entriesOf(signal), 1);
+}
+
 TEST_F(ObservedPortMap, RemovingANotANumberHandleLeavesItsCachedEntry)
 {
     const double nan = std::numeric_limits<double>::quiet_NaN();

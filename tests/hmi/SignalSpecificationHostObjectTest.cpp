@@ -364,7 +364,7 @@ TEST_F(SignalSpecificationHostObject, StructIsATemporaryOfTheOneCallAndTheObject
     const std::vector<std::string> local = journaledArguments("zmsvSetLocalScope", 0);
     ASSERT_EQ(local.size(), 2U);
     EXPECT_EQ(withoutSerial(local[0]).substr(0, 10), "1x1 struct");
-    EXPECT_EQ(local[0], journaledArguments("nvSetArrayScope", 0)[0]);
+    EXPECT_EQ(local[0], journaledArguments("nvSetArrayScope", 0).at(0));
     EXPECT_EQ(withoutSerial(local[1]), "1x1 Zelmar.HMI.SignalSpecification");
     EXPECT_EQ(object->scope, rh::Scope::Local);
 }
