@@ -152,6 +152,7 @@ void SignalEditor::followVanished(const nvArray* signals, const DiagramChange& c
 {
     const std::vector<const Block*> blocks = withContents(*change.block);
     std::vector<IsOn> isOnOne;
+    isOnOne.reserve(blocks.size());
     for (const Block* block : blocks) {
         isOnOne.emplace_back(*block);
     }

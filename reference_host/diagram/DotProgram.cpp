@@ -26,6 +26,7 @@ namespace {
 int run(const std::filesystem::path& file, std::vector<std::string> words)
 {
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (std::string& word : words) {
         arguments.push_back(word.data());
     }
