@@ -14,13 +14,14 @@ protected:
         addSignal(m_gain, 1, "first");
         addSignal(m_gain, 2, "second");
         setObservers();
+        m_client = makeClient(&m_gauge, "g", "second");
     }
 
     static OwnedValue infoOf(const OwnedValue& client) { return property(client, "SignalInfo"); }
 
     void expectNone(const OwnedValue& client) const { EXPECT_EQ(read(client, "SignalInfo"), "0x0 double"); }
 
-    OwnedValue m_client = makeClient(&m_gauge, "g", "second");
+    OwnedValue m_client;
 };
 
 TEST_F(SignalInfoTest, IsTheSignalThatTheClientNames)
