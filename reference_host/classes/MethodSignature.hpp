@@ -2,6 +2,7 @@
 #define ZM_REFERENCE_HOST_CLASSES_METHOD_SIGNATURE_HPP
 
 #include "host/ClassDescriptors.hpp"
+#include "reference_host/Export.hpp"
 
 #include <cstddef>
 #include <vector>
@@ -9,7 +10,7 @@
 namespace reference_host {
 
 /// The host's signature: the types of a method's inputs and outputs, in order.
-class MethodSignature final : public nvcos::COSMethodSignature {
+class ZM_REFHOST_API MethodSignature final : public nvcos::COSMethodSignature {
 public:
     MethodSignature();
     ~MethodSignature() override;
