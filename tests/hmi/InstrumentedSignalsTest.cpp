@@ -63,7 +63,7 @@ void expectInvalidIndex(std::uint64_t count, Action action)
     } catch (const zmsvException& error) {
         EXPECT_EQ(error.id().catalog(), "dvx_hmi_foundation:errors");
         EXPECT_EQ(error.id().key(), "InvalidElementIndex");
-        EXPECT_EQ(error.id().arguments(), std::vector<zmsvMessageArgument>{count});
+        EXPECT_EQ(error.id().arguments(), std::vector<zmsvMessageArgument>{zmsvMessageArgument(count)});
     }
 }
 
