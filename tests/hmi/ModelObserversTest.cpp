@@ -194,6 +194,16 @@ TEST_F(ModelObserversTest, FormerOutputsAreOverwrittenWithNull)
     expectOneWarning("Refused");
 }
 
+TEST_F(ModelObserversTest, FormerOutputsAreOverwrittenWithNullWhereNothingIsHeld)
+{
+    const rh::OwnedValue other = rh::makeDouble(1.0);
+    nvArray* signals = other.get();
+    nvArray* clients = other.get();
+    ModelObservers(nullptr).getSignalsAndClients(signals, clients);
+    EXPECT_EQ(signals, nullptr);
+    EXPECT_EQ(clients, nullptr);
+}
+
 TEST_F(ModelObserversTest, AFailureAfterTheFirstOutputGivesNeither)
 {
     const rh::ScopedHostFunction failing("getSignalsAndClients", [](rh::HostFunctionCall& call) {
