@@ -72,6 +72,7 @@ import runpy, sys, zmhost
 def nowhere(spec):
     return "Elsewhere"
 sys.argv = ["first_light.py", {str(GREENHOUSE)!r}]
+sys.path.insert(0, {str(TOUR.parent)!r})
 runpy.run_path({str(TOUR)!r}, run_name="__main__")
 """
     )
