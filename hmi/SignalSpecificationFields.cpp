@@ -54,10 +54,12 @@ void readDomainParams(Record& record, const nvArray* value)
 
 }  // namespace
 
+// NOLINTBEGIN(bugprone-macro-parentheses): the arguments are names
 #define ZM_FIELD(member, write, read)                          \
     {                                                          \
         #member, write<&Record::member>, read<&Record::member> \
     }
+// NOLINTEND(bugprone-macro-parentheses)
 
 const std::array<Record::Fields::Row, Record::Fields::Count> Record::Fields::table = {{
     ZM_FIELD(UUID, writeText, readNarrow),
