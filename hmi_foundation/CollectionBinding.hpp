@@ -76,7 +76,7 @@ void addProperty(nvcos::COSClass* cosClass)
 {
     auto property = std::make_unique<HostProperty<Property>>(cosClass);
     cosClass->addProperty(property.get());
-    property.release();
+    static_cast<void>(property.release());
 }
 
 template <class Method>
@@ -84,7 +84,7 @@ void addMethod(nvcos::COSClass* cosClass)
 {
     auto method = std::make_unique<HostMethod<Method>>();
     cosClass->addMethod(method.get());
-    method.release();
+    static_cast<void>(method.release());
 }
 
 /// The native data of a new instance.

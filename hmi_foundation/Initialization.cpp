@@ -20,13 +20,13 @@ COSNamespace* findNamespace(const char* fullName)
 void addClass(COSNamespace* cosNamespace, std::unique_ptr<nvcos::COSClassInfo> info)
 {
     cosNamespace->addClass(info.get(), 0, 2);
-    info.release();
+    static_cast<void>(info.release());
 }
 
 void addInnerNamespace(COSNamespace* cosNamespace, std::unique_ptr<nvcos::COSNamespaceInfo> info)
 {
     cosNamespace->addInnerNamespace(info.get());
-    info.release();
+    static_cast<void>(info.release());
 }
 
 // The order is fixed: the clients refer to the signals.
@@ -50,7 +50,7 @@ public:
         if (outer == nullptr) {
             auto info = std::make_unique<ZELMARNVCOSNamespaceInfo>();
             COSNamespace::addNamespace(info.get());
-            info.release();
+            static_cast<void>(info.release());
             return;
         }
         if (COSNamespace* inner = findNamespace("Zelmar.HMI")) {

@@ -103,7 +103,6 @@ std::string StreamOutBlockRegistry::getPluginName()
 
 // The three operations that take their argument by value hold their own reference or text for the whole
 // call, whatever other threads do to the caller's.
-// NOLINTBEGIN(performance-unnecessary-value-param): by value on purpose, see above
 void StreamOutBlockRegistry::registerBlock(std::shared_ptr<StreamOutBlockContext> block)
 {
     m_impl->registerBlock(block);
@@ -118,7 +117,6 @@ bool StreamOutBlockRegistry::isBlockAlreadyRegistered(std::string blockId) const
 {
     return m_impl->isBlockAlreadyRegistered(blockId);
 }
-// NOLINTEND(performance-unnecessary-value-param)
 
 std::unordered_set<std::shared_ptr<StreamOutBlockContext>> StreamOutBlockRegistry::getRegisteredBlocks() const
 {
