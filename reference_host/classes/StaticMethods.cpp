@@ -28,6 +28,7 @@ public:
                 const COSValue* inputs) const override
     {
         std::vector<const nvArray*> values;
+        values.reserve(static_cast<std::size_t>(inputCount));
         for (int i = 0; i < inputCount; ++i) {
             values.push_back(std::get<nvArray*>(inputs[i]));
         }
