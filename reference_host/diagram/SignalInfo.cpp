@@ -18,7 +18,7 @@ namespace {
 std::shared_ptr<Model> modelOfClient(const nvArray* client)
 {
     const std::u16string path = textInCells(client, "ModelPath_", 0);
-    std::shared_ptr<Model> model = OpenModels::find(path.substr(0, path.find(u'/')));
+    const std::shared_ptr<Model> model = OpenModels::find(path.substr(0, path.find(u'/')));
     return model != nullptr ? model : OpenModels::find(textOf(client, "SourceModel_"));
 }
 
