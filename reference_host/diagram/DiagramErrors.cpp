@@ -35,6 +35,7 @@ constexpr std::array messages{
     Message{"DuplicateName", "The name \"{0}\" is taken in \"{1}\"."},
     Message{"InvalidSystem", "\"{0}\" is not a system of the model \"{1}\"."},
     Message{"InvalidBlock", "\"{0}\" is not a block of the model \"{1}\"."},
+    Message{"InvalidNumber", "{0} cannot be the number of \"{1}\"; it is 0, taken or above the last one."},
     Message{"InvalidMove", "\"{0}\" cannot be moved into \"{1}\", which is inside it."},
     Message{"InvalidPort", "\"{0}\" has no output port {1}."},
     Message{"InvalidPortOrder", "That is no order of the {1} output ports of \"{0}\"."},

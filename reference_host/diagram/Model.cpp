@@ -177,6 +177,24 @@ void Model::restore(Block& block, std::size_t position)
     }
 }
 
+void Model::setNumbers(const std::vector<std::uint32_t>& numbers, std::uint32_t lastNumber)
+{
+    const std::vector<Block*> ordered = blocks();
+    std::unordered_map<std::uint32_t, Block*> byNumber;
+    byNumber.reserve(ordered.size());
+    for (std::size_t i = 0; i < ordered.size(); ++i) {
+        const std::uint32_t number = numbers.at(i);
+        if (number == 0 || number > lastNumber || !byNumber.emplace(number, ordered[i]).second) {
+            throw diagramError("InvalidNumber", {std::uint64_t{number}, toUtf8(ordered[i]->path())});
+        }
+    }
+    for (const auto& [number, block] : byNumber) {
+        block->m_number = number;
+    }
+    m_byNumber = std::move(byNumber);
+    m_lastNumber = lastNumber;
+}
+
 bool Model::holds(const Block& block) const
 {
     return findByNumber(block.number()) == &block;

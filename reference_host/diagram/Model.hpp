@@ -11,11 +11,13 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace reference_host {
 
 class EditHistory;
+struct ModelSource;
 
 /// A diagram: an outermost system, which bears the model's name, and the blocks in it at every depth.
 /// Look-ups cost a hash look-up (by path: one a path component), whatever the size of the model.
@@ -66,6 +68,19 @@ public:
     /// Whether the block is part of the diagram, the outermost system not counted.
     bool holds(const Block& block) const;
 
+    /// The largest number that a block was given.
+    std::uint32_t lastNumber() const noexcept { return m_lastNumber; }
+
+    /// Gives the blocks the numbers that a file has kept, one for each of `blocks()` in that order. A 0, a
+    /// number given twice or one above the last is a host error ("InvalidNumber"); nothing has changed then.
+    /// REQUIRES: a model that nobody has edited, or asked for a ZID.
+    void setNumbers(const std::vector<std::uint32_t>& numbers, std::uint32_t lastNumber);
+
+    /// The file that the model was read from, for whoever writes it again; null for a model that was made
+    /// otherwise.
+    const std::shared_ptr<const ModelSource>& source() const noexcept { return m_source; }
+    void setSource(std::shared_ptr<const ModelSource> source) noexcept { m_source = std::move(source); }
+
     /// The edits of the model that can be undone.
     EditHistory& history() const noexcept { return *m_history; }
 
@@ -98,6 +113,7 @@ private:
     std::unordered_map<std::uint32_t, Block*> m_byNumber;
     std::unordered_map<double, Block*> m_byHandle;
     std::vector<std::unique_ptr<Block>> m_removed;
+    std::shared_ptr<const ModelSource> m_source;
     OwnedValue m_observers;
     std::unique_ptr<EditHistory> m_history;
 };

@@ -290,4 +290,28 @@ TEST_F(ModelTest, ZidOfAModelWithANameOutsideAsciiIsUtf8)
     EXPECT_EQ(greenhouse.findByZid("Gewächshaus:1"), &fan);
 }
 
+TEST_F(ModelTest, BlocksTakeTheNumbersThatAFileHasKept)
+{
+    const Block& a = component(m_root, u"A");
+    const Block& b = component(m_root, u"B");
+    m_model.setNumbers({7, 3}, 9);
+    EXPECT_EQ(m_model.findByZid("plant:7"), &a);
+    EXPECT_EQ(m_model.findByNumber(3), &b);
+    EXPECT_EQ(m_model.findByNumber(1), nullptr);
+    EXPECT_EQ(component(m_root, u"C").number(), 10U);
+}
+
+TEST_F(ModelTest, RefusedNumbersChangeNothing)
+{
+    component(m_root, u"A");
+    component(m_root, u"B");
+    for (const std::vector<std::uint32_t>& numbers :
+         {std::vector<std::uint32_t>{1, 1}, std::vector<std::uint32_t>{0, 1},
+          std::vector<std::uint32_t>{1, 6}}) {
+        hostError("InvalidNumber", [&] { m_model.setNumbers(numbers, 5); });
+    }
+    EXPECT_EQ(m_model.findByNumber(2)->path(), u"plant/B");
+    EXPECT_EQ(m_model.lastNumber(), 2U);
+}
+
 }  // namespace
