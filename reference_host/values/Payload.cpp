@@ -51,7 +51,7 @@ std::shared_ptr<Payload> copyPayload(const nvArray& value, bool deep)
             }
         },
         payload.content);
-    return std::make_shared<Payload>(Payload{payload.dimensions, std::move(content)});
+    return std::make_shared<Payload>(Payload{payload.dimensions, std::move(content), payload.nesting});
 }
 
 Payload& writablePayload(nvArray* value)

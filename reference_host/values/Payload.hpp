@@ -60,7 +60,13 @@ struct Objects {
 struct Payload {
     Dimensions dimensions;
     std::variant<Numbers, std::u16string, Fields, Cells, Objects> content;
+    /// How many containers deep the deepest value in here stands: 0 for what never held anything. It
+    /// does not shrink when what a container holds is replaced.
+    std::size_t nesting = 0;
 };
+
+/// Values end, are copied and are compared by going down into them, which takes stack.
+inline constexpr std::size_t deepestNesting = 1000;
 
 /// All values that are alive. Never destroyed: libraries end values while the process goes down.
 LiveRegistry<nvArray>& liveValueRegistry();

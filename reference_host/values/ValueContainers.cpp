@@ -43,6 +43,18 @@ void requireStorable(const nvArray* container, const nvArray* value)
     if (container == value) {
         throwMisuse("ContainsItself", {describeWithSerial(value)});
     }
+    if (value->payload->nesting >= deepestNesting) {
+        throwHostError("NestedTooDeep", {std::uint64_t{deepestNesting}, describe(value)});
+    }
+}
+
+/// Puts a value that `requireStorable` let pass in its place; what was there before ends.
+void put(nvArray* container, HeldValue& place, nvArray* value) noexcept
+{
+    Payload& payload = *container->payload;
+    payload.nesting = std::max(payload.nesting, value->payload->nesting + 1);
+    value->ownership = Ownership::Held;
+    const HeldValue former = std::exchange(place, HeldValue(value));
 }
 
 /// The place of a field that is to be filled; the struct no longer shares its data.
@@ -112,8 +124,7 @@ void storeField(nvArray* value, std::size_t index, const char* name, nvArray* fi
     if (place && !mayBeSet) {
         throwMisuse("FieldIsSet", {std::string(name), describeWithSerial(place.get())});
     }
-    field->ownership = Ownership::Held;
-    const HeldValue former = std::exchange(place, HeldValue(field));
+    put(value, place, field);
 }
 
 const nvArray* cell(const nvArray* value, std::size_t index)
@@ -142,8 +153,7 @@ void storeCell(nvArray* value, std::size_t index, nvArray* element)
     requireIndex(index, cells->values.size());
     requireStorable(value, element);
     HeldValue& place = std::get<Cells>(writablePayload(value).content).values[index];
-    element->ownership = Ownership::Held;
-    const HeldValue former = std::exchange(place, HeldValue(element));
+    put(value, place, element);
 }
 
 }  // namespace reference_host

@@ -20,7 +20,8 @@ ZM_REFHOST_API const std::vector<std::string>& fieldNames(const nvArray* value);
 ZM_REFHOST_API const nvArray* field(const nvArray* value, std::size_t index, const char* name);
 
 /// Fills an unset field. The container holds the value when the operation returns normally; when it
-/// throws, the value ends with its owner.
+/// throws, the value ends with its owner. No value stands more than 1000 containers deep: putting one
+/// deeper is a host error, here and in every operation that stores.
 ZM_REFHOST_API void setField(nvArray* value, std::size_t index, const char* name, OwnedValue field);
 
 /// As `setField`; what the field held before ends.

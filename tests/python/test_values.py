@@ -158,6 +158,18 @@ def test_a_list_that_holds_itself_is_refused(echo):
         echo(endless)
 
 
+def test_host_values_stand_in_each_other_a_thousand_deep_and_no_deeper(echo):
+    deepest = StructArray([{"inner": 1}])
+    for _ in range(999):
+        deepest = StructArray([{"inner": deepest}])
+    assert len(echo(deepest)) == 1
+    with pytest.raises(zmhost.HostError, match="1000 containers deep") as error:
+        StructArray([{"inner": deepest}])
+    assert error.value.key == "NestedTooDeep"
+    with pytest.raises(zmhost.HostError, match="1000 containers deep"):
+        _zmhost.make_cell_array([1, 1], [deepest])
+
+
 def test_a_false_host_value_is_refused(echo):
     class Pretender:
         def __host_value__(self):

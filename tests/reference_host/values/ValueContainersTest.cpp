@@ -1,12 +1,15 @@
 #include "reference_host/values/ValueContainers.hpp"
 
 #include "host/Containers.hpp"
+#include "reference_host/classes/ValueEquality.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"
 #include "tests/reference_host/values/Misuse.hpp"
 #include "tests/support/HostTest.hpp"
 
 #include <gtest/gtest.h>
+
+#include <utility>
 
 namespace {
 
@@ -112,6 +115,71 @@ TEST_F(ValueContainersTest, WhatAContainerRefusesStaysOpenWithItsOwner)
     refusedWith("NullArgument", [&] { nvSetField(records.get(), 0, "Number", nullptr); });
     refusedWith("WrongClass", [&] { nvSetCell(records.get(), 0, value.get()); });
     EXPECT_EQ(value->ownership, Ownership::Owned);
+}
+
+/// A cell array in which the deepest value stands `depth` containers deep.
+OwnedValue nestedCells(std::size_t depth)
+{
+    OwnedValue value = makeCells(Dimensions(1, 2));
+    for (std::size_t i = 0; i < depth; ++i) {
+        OwnedValue outer = makeCells(Dimensions(1, 2));
+        setCell(outer.get(), 0, std::move(value));
+        value = std::move(outer);
+    }
+    return value;
+}
+
+TEST_F(ValueContainersTest, AValueStandsAThousandContainersDeep)
+{
+    const OwnedValue cells = makeCells(Dimensions(1, 1));
+    OwnedValue deepest = nestedCells(999);
+    setCell(cells.get(), 0, std::move(deepest));
+    const OwnedValue copy = copyDeep(cells.get());
+    EXPECT_TRUE(areEqual(copy.get(), cells.get()));
+}
+
+TEST_F(ValueContainersTest, WhatWouldStandDeeperIsNotStoredInACell)
+{
+    const OwnedValue cells = makeCells(Dimensions(1, 1));
+    const OwnedValue tooDeep = nestedCells(1000);
+    const std::string text = refusedWith("NestedTooDeep", [&] { nvSetCell(cells.get(), 0, tooDeep.get()); });
+    EXPECT_NE(text.find("1000"), std::string::npos) << text;
+    EXPECT_EQ(cell(cells.get(), 0), nullptr);
+    EXPECT_EQ(tooDeep->ownership, Ownership::Owned);
+}
+
+TEST_F(ValueContainersTest, WhatWouldStandDeeperIsNotStoredInAField)
+{
+    const OwnedValue records = makeRecords(1);
+    setField(records.get(), 0, "UUID", nestedCells(999));
+    const OwnedValue tooDeep = nestedCells(1000);
+    refusedWith("NestedTooDeep", [&] { nvSetField(records.get(), 0, "Number", tooDeep.get()); });
+    refusedWith("NestedTooDeep", [&] { nvReplaceField(records.get(), 0, "UUID", tooDeep.get()); });
+    refusedWith("NestedTooDeep",
+                [&] { setCell(makeCells(Dimensions(1, 1)).get(), 0, copyShared(tooDeep.get())); });
+}
+
+TEST_F(ValueContainersTest, ACopyOfContainersIsAsDeepAsTheyAre)
+{
+    const OwnedValue deepest = nestedCells(1000);
+    const OwnedValue cells = makeCells(Dimensions(1, 1));
+    const OwnedValue deep = copyDeep(deepest.get());
+    refusedWith("NestedTooDeep", [&] { nvSetCell(cells.get(), 0, deep.get()); });
+    const OwnedValue written = copyShared(deepest.get());
+    setCell(written.get(), 1, makeDouble(1));
+    refusedWith("NestedTooDeep", [&] { nvSetCell(cells.get(), 0, written.get()); });
+}
+
+TEST_F(ValueContainersTest, NumbersBesideEachOtherAreNoNesting)
+{
+    const OwnedValue cells = makeCells(Dimensions(1, 2));
+    for (int i = 0; i < 2000; ++i) {
+        setCell(cells.get(), 0, makeDouble(i));
+        setCell(cells.get(), 1, makeCells(Dimensions(1, 1)));
+    }
+    const OwnedValue outer = makeCells(Dimensions(1, 1));
+    setCell(outer.get(), 0, copyShared(cells.get()));
+    EXPECT_NE(cell(outer.get(), 0), nullptr);
 }
 
 TEST_F(ValueContainersTest, TheOlderObjectClassHasFieldsToo)
