@@ -15,7 +15,16 @@ struct Message {
 };
 
 constexpr std::array messages{
+    // whole files
+    Message{"UnreadableFile", "{0}: {1}"},
+    Message{"FileTooLarge", "{0}: {1} bytes are more than the {2} that are taken."},
+    Message{"InvalidArchiveFile", "{0}: {1}"},
+    Message{"NotAnArchiveName",
+            "{0}: a model is saved as an archive, in a file whose name ends in \".ssp\"."},
     Message{"InvalidFile", "{0}: {1}: {2}"},  // file, entry, reason; the reasons follow
+    // what is kept about a model
+    Message{"NewerVersion", "It is of version {0}; versions up to {1} are known here."},
+    Message{"LeftOver", "{0}: {1}: {2}."},  // a warning: file, entry, what
 };
 
 bool defineMessages()
