@@ -44,9 +44,9 @@ std::string Block::zid() const
     return m_parent == nullptr ? std::string() : toUtf8(m_model->name()) + ':' + std::to_string(m_number);
 }
 
-void Block::addPort(PortKind kind, std::u16string name)
+void Block::addPort(PortKind kind, std::u16string name, std::uint32_t origin)
 {
-    m_ports[static_cast<std::size_t>(kind)].push_back({std::move(name)});
+    m_ports[static_cast<std::size_t>(kind)].push_back({std::move(name), origin});
 }
 
 void Block::setPorts(PortKind kind, std::vector<Port> ports)

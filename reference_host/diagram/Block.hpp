@@ -22,8 +22,11 @@ class Model;
 /// `Other` is a connector through which no signal flows in a fixed direction: a parameter, a constant …
 enum class PortKind { Output, Input, Other };
 
+/// Blocks, ports and connections remember the element of the document that they were read from: `origin`
+/// counts from 1 the elements of these kinds, in the order of their beginnings. What was not read has 0.
 struct Port {
     std::u16string name;
+    std::uint32_t origin = 0;
 };
 
 /// One end of a connection. It holds on to the block, so that it follows a rename.
@@ -37,6 +40,7 @@ struct ConnectionEnd {
 struct Connection {
     ConnectionEnd start;
     ConnectionEnd end;
+    std::uint32_t origin = 0;
 };
 
 enum class BlockKind { Component, System };
@@ -64,6 +68,9 @@ public:
     /// order in which blocks were added, never given twice. 0 for the outermost system.
     std::uint32_t number() const noexcept { return m_number; }
 
+    std::uint32_t origin() const noexcept { return m_origin; }  ///< as `Port::origin`
+    void setOrigin(std::uint32_t origin) noexcept { m_origin = origin; }
+
     /// The ZID: model name, ":" and number, UTF-8; empty for the outermost system.
     std::string zid() const;
 
@@ -75,7 +82,7 @@ public:
     {
         return m_ports[static_cast<std::size_t>(kind)];
     }
-    void addPort(PortKind kind, std::u16string name);
+    void addPort(PortKind kind, std::u16string name, std::uint32_t origin = 0);
     void setPorts(PortKind kind, std::vector<Port> ports);
 
     /// What a system holds, in document order. A component has neither.
@@ -110,6 +117,7 @@ private:
     Block* m_parent;
     BlockKind m_kind;
     std::uint32_t m_number = 0;
+    std::uint32_t m_origin = 0;
     double m_handle = 0.0;
     std::u16string m_name;
     std::array<std::vector<Port>, 3> m_ports;  // by kind

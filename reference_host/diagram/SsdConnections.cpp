@@ -57,9 +57,9 @@ private:
 
 }  // namespace
 
-void SsdConnections::add(std::uint64_t line, ConnectionEnd start, ConnectionEnd end)
+void SsdConnections::add(std::uint64_t line, Connection connection)
 {
-    m_entries.push_back({line, {std::move(start), std::move(end)}});
+    m_entries.push_back({line, std::move(connection)});
 }
 
 void SsdConnections::noteDictionary(std::u16string name)

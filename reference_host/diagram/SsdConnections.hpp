@@ -15,7 +15,7 @@ namespace reference_host {
 /// system is read and connected when it is complete, for a document may name what comes later.
 class SsdConnections {
 public:
-    void add(std::uint64_t line, ConnectionEnd start, ConnectionEnd end);
+    void add(std::uint64_t line, Connection connection);
 
     /// An element that is passed over but may be connected.
     void noteDictionary(std::u16string name);

@@ -3,10 +3,8 @@
 #include "host/Text.hpp"
 #include "reference_host/diagram/DiagramErrors.hpp"
 #include "reference_host/diagram/SsdConnections.hpp"
-#include "reference_host/diagram/XmlNamespaces.hpp"
-#include "reference_host/diagram/XmlReader.hpp"
+#include "reference_host/diagram/SsdWalker.hpp"
 
-#include <array>
 #include <string_view>
 #include <utility>
 
@@ -24,135 +22,88 @@ std::u16string requiredName(const XmlAttributes& attributes, std::string_view el
 }
 
 /// Builds the model while the elements pass by.
-class SsdHandler : public XmlHandler {
+class SsdHandler : public SsdWalker {
 public:
-    void begin(std::string_view element, const XmlAttributes& attributes, std::uint64_t line) override
+    SsdDocument take() noexcept { return std::move(m_document); }
+
+protected:
+    void enter(SsdElement element, std::string_view, const XmlAttributes& attributes,
+               const XmlTag& tag) override
     {
-        if (m_skipped > 0) {
-            ++m_skipped;
-            return;
-        }
-        m_namespaces.enter(attributes);
-        const Rule* rule = findRule(m_namespaces.descriptionElement(element));
-        if (rule == nullptr) {
-            m_namespaces.leave();
-            skip(element);
-            return;
-        }
-        m_places.push_back(rule->enters);
-        if (rule->action != nullptr) {
-            (this->*rule->action)(attributes, line);
+        using enum SsdElement;
+        switch (element) {
+            case System:
+            case Component:
+                beginBlock(element, attributes);
+                break;
+            case Dictionary:
+                noteDictionary(attributes);
+                break;
+            case Connector:
+                addConnector(attributes);
+                break;
+            case Connection:
+                addConnection(attributes, tag.line);
+                break;
+            default:
+                break;
         }
     }
 
-    void end() override
+    void leave(SsdElement element, const XmlTag&) override
     {
-        if (m_skipped > 0) {
-            --m_skipped;
-            return;
+        if (element == SsdElement::System) {
+            m_connections.back().connect(*m_block, m_document.warnings);
+            m_connections.pop_back();
         }
-        const Place place = m_places.back();
-        m_places.pop_back();
-        m_namespaces.leave();
-        if (place == Place::System || place == Place::Component) {
-            endBlock(place);
-        } else if (place == Place::Description && m_document.model == nullptr) {
+        if (element == SsdElement::System || element == SsdElement::Component) {
+            m_block = m_block->parent();
+        } else if (element == SsdElement::Description && m_document.model == nullptr) {
             throw diagramError("NoSystem", {});
         }
     }
 
-    SsdDocument take() noexcept { return std::move(m_document); }
-
 private:
-    enum class Place { Document, Description, System, Elements, Component, Connectors, Connections, Leaf };
-    using Action = void (SsdHandler::*)(const XmlAttributes&, std::uint64_t);
-
-    /// What an element means where it stands.
-    struct Rule {
-        Place inside;
-        std::string_view element;
-        Place enters;
-        Action action;
-    };
-
-    const Rule* findRule(std::string_view element) const noexcept
+    void beginBlock(SsdElement element, const XmlAttributes& attributes)
     {
-        using enum Place;
-        static constexpr std::array rules{
-            Rule{Document, "SystemStructureDescription", Description, nullptr},
-            Rule{Description, "System", System, &SsdHandler::beginModel},
-            Rule{System, "Connectors", Connectors, nullptr},
-            Rule{System, "Elements", Elements, nullptr},
-            Rule{System, "Connections", Connections, nullptr},
-            Rule{Elements, "Component", Component, &SsdHandler::beginComponent},
-            Rule{Elements, "System", System, &SsdHandler::beginSystem},
-            Rule{Elements, "SignalDictionaryReference", Leaf, &SsdHandler::noteDictionary},
-            Rule{Component, "Connectors", Connectors, nullptr},
-            Rule{Connectors, "Connector", Leaf, &SsdHandler::addConnector},
-            Rule{Connections, "Connection", Leaf, &SsdHandler::addConnection},
-        };
-        for (const Rule& rule : rules) {
-            if (rule.inside == m_places.back() && rule.element == element) {
-                return &rule;
-            }
+        const bool isSystem = element == SsdElement::System;
+        if (m_block == nullptr) {
+            beginModel(attributes);
+        } else {
+            m_block =
+                &m_document.model->add(*m_block, requiredName(attributes, isSystem ? "System" : "Component"),
+                                       isSystem ? BlockKind::System : BlockKind::Component);
         }
-        return nullptr;
+        m_block->setOrigin(origin());
+        if (isSystem) {
+            m_connections.emplace_back();
+        }
     }
 
-    void skip(std::string_view element)
-    {
-        if (m_places.back() == Place::Document) {
-            throw diagramError("NotADescription", {std::string(element)});
-        }
-        m_skipped = 1;
-    }
-
-    void beginModel(const XmlAttributes& attributes, std::uint64_t)
+    void beginModel(const XmlAttributes& attributes)
     {
         if (m_document.model != nullptr) {
             throw diagramError("SecondSystem", {});
         }
         m_document.model = std::make_unique<Model>(requiredName(attributes, "System"));
         m_block = &m_document.model->root();
-        m_connections.emplace_back();
     }
 
-    void beginComponent(const XmlAttributes& attributes, std::uint64_t)
-    {
-        m_block =
-            &m_document.model->add(*m_block, requiredName(attributes, "Component"), BlockKind::Component);
-    }
-
-    void beginSystem(const XmlAttributes& attributes, std::uint64_t)
-    {
-        m_block = &m_document.model->add(*m_block, requiredName(attributes, "System"), BlockKind::System);
-        m_connections.emplace_back();
-    }
-
-    void endBlock(Place place)
-    {
-        if (place == Place::System) {
-            m_connections.back().connect(*m_block, m_document.warnings);
-            m_connections.pop_back();
-        }
-        m_block = m_block->parent();
-    }
-
-    void noteDictionary(const XmlAttributes& attributes, std::uint64_t)
+    void noteDictionary(const XmlAttributes& attributes)
     {
         if (const char* name = attributes.find("name")) {
             m_connections.back().noteDictionary(toUtf16(name));
         }
     }
 
-    void addConnector(const XmlAttributes& attributes, std::uint64_t)
+    void addConnector(const XmlAttributes& attributes)
     {
         const char* kind = attributes.find("kind");
         const std::string_view kindName = kind == nullptr ? "" : kind;
         m_block->addPort(kindName == "output"  ? PortKind::Output
                          : kindName == "input" ? PortKind::Input
                                                : PortKind::Other,
-                         requiredName(attributes, "Connector"));
+                         requiredName(attributes, "Connector"), origin());
     }
 
     void addConnection(const XmlAttributes& attributes, std::uint64_t line)
@@ -161,16 +112,14 @@ private:
             const char* value = attributes.find(name);
             return value == nullptr ? std::u16string() : toUtf16(value);
         };
-        m_connections.back().add(line, {nullptr, text("startElement"), text("startConnector")},
-                                 {nullptr, text("endElement"), text("endConnector")});
+        m_connections.back().add(line, {{nullptr, text("startElement"), text("startConnector")},
+                                        {nullptr, text("endElement"), text("endConnector")},
+                                        origin()});
     }
 
     SsdDocument m_document;
-    Block* m_block = nullptr;                   // the innermost block or outermost system we are in
+    Block* m_block = nullptr;                   // the innermost block or system we are in
     std::vector<SsdConnections> m_connections;  // of the systems we are in, the innermost last
-    XmlNamespaces m_namespaces;
-    std::vector<Place> m_places{Place::Document};
-    std::size_t m_skipped = 0;  // how deep we are in an element that is passed over
 };
 
 }  // namespace

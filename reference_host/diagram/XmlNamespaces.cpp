@@ -1,32 +1,37 @@
 #include "reference_host/diagram/XmlNamespaces.hpp"
 
-#include <utility>
-
 namespace reference_host {
 
 namespace {
 
 /// The standard kept the first one for its version 2.0; the second is what its pattern would give.
-/// use.
 bool isDescriptionUri(std::string_view uri) noexcept
 {
-    return uri == "http://ssp-standard.org/SSP1/SystemStructureDescription" ||
-           uri == "http://ssp-standard.org/SSP2/SystemStructureDescription";
+    return uri == ssdNamespace || uri == "http://ssp-standard.org/SSP2/SystemStructureDescription";
 }
 
 }  // namespace
+
+std::optional<std::string_view> declaredPrefix(std::string_view attribute) noexcept
+{
+    constexpr std::string_view declaration = "xmlns";
+    if (attribute == declaration) {
+        return std::string_view();
+    }
+    if (attribute.starts_with("xmlns:")) {
+        return attribute.substr(declaration.size() + 1);
+    }
+    return std::nullopt;
+}
 
 void XmlNamespaces::enter(const XmlAttributes& attributes)
 {
     std::vector<std::string> declared;
     attributes.forEach([&](std::string_view name, std::string_view uri) {
-        constexpr std::string_view declaration = "xmlns";
-        if (name != declaration && !name.starts_with("xmlns:")) {
-            return;
+        if (const auto prefix = declaredPrefix(name)) {
+            declared.emplace_back(*prefix);
+            m_meanings[declared.back()].push_back(isDescriptionUri(uri));  // makes the prefix known
         }
-        std::string prefix(name.substr(name == declaration ? name.size() : declaration.size() + 1));
-        m_meanings[prefix].push_back(isDescriptionUri(uri));  // makes the prefix known
-        declared.push_back(std::move(prefix));
     });
     m_declared.push_back(std::move(declared));
 }

@@ -3,12 +3,19 @@
 
 #include "reference_host/diagram/XmlReader.hpp"
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
 namespace reference_host {
+
+inline constexpr std::string_view ssdNamespace = "http://ssp-standard.org/SSP1/SystemStructureDescription";
+
+/// The prefix that an attribute of this name declares, empty for the default namespace; none when the
+/// attribute is no declaration.
+std::optional<std::string_view> declaredPrefix(std::string_view attribute) noexcept;
 
 /// Which prefixes stand for the namespace of system structure descriptions, element by element. The
 /// parser's own namespace mode would refuse documents that use a prefix which they never declare.

@@ -58,7 +58,7 @@ private:
     {
         static_cast<XmlReading*>(self)->guarded([&](XmlReading& reading) {
             reading.enter();
-            reading.m_handler.begin(element, XmlAttributes(attributes), reading.line());
+            reading.m_handler.begin(element, XmlAttributes(attributes), reading.tag());
         });
     }
 
@@ -66,7 +66,7 @@ private:
     {
         static_cast<XmlReading*>(self)->guarded([](XmlReading& reading) {
             --reading.m_depth;
-            reading.m_handler.end();
+            reading.m_handler.end(reading.tag());
         });
     }
 
@@ -138,6 +138,12 @@ private:
     [[noreturn]] void refuse(std::uint64_t line, const zmsvException& reason) const
     {
         throw diagramError("InvalidDiagram", {m_file, line, std::string(reason.what())});
+    }
+
+    XmlTag tag() const noexcept
+    {
+        const auto begin = static_cast<std::size_t>(XML_GetCurrentByteIndex(m_parser.get()));
+        return {line(), begin, begin + static_cast<std::size_t>(XML_GetCurrentByteCount(m_parser.get()))};
     }
 
     std::uint64_t line() const noexcept { return XML_GetCurrentLineNumber(m_parser.get()); }

@@ -30,6 +30,13 @@ private:
     const char* const* m_list;
 };
 
+/// Where a tag stands in the document.
+struct XmlTag {
+    std::uint64_t line;  ///< 1-based, of its first character
+    std::size_t begin;   ///< in bytes from the start of the document
+    std::size_t end;     ///< after its ">"
+};
+
 /// Takes the elements of a document in order. What it throws ends the reading.
 class XmlHandler {
 public:
@@ -38,9 +45,11 @@ public:
     XmlHandler& operator=(const XmlHandler&) = delete;
     virtual ~XmlHandler() = default;
 
-    /// `element` with its prefix; `line` is 1-based.
-    virtual void begin(std::string_view element, const XmlAttributes& attributes, std::uint64_t line) = 0;
-    virtual void end() = 0;
+    /// `element` with its prefix.
+    virtual void begin(std::string_view element, const XmlAttributes& attributes, const XmlTag& tag) = 0;
+
+    /// An element in one tag ("<a/>") has an end tag of no bytes behind that.
+    virtual void end(const XmlTag& tag) = 0;
 };
 
 struct XmlLimits {
