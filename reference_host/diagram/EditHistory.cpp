@@ -6,6 +6,7 @@
 #include "reference_host/diagram/OpenModels.hpp"
 
 #include <algorithm>
+#include <exception>
 #include <numeric>
 
 namespace reference_host {
@@ -241,21 +242,19 @@ void EditHistory::perform(Block* block, Turn forth, Turn back)
 
 void EditHistory::record(Block* block, Turn forth, Turn back, std::u16string formerPath)
 {
-    const DiagramChange change{forth.kind,       &m_model,    block, std::move(formerPath),
-                               forth.newNumbers, ++m_lastEdit};
+    DiagramChange change{forth.kind, &m_model, block, std::move(formerPath), forth.newNumbers, ++m_lastEdit};
     m_steps.resize(m_done);
     m_steps.push_back({m_lastEdit, block, std::move(forth), std::move(back)});
     ++m_done;
-    tell(change);
+    tell(std::move(change));
 }
 
 void EditHistory::run(const Step& step, const Turn& turn, std::size_t done)
 {
-    const DiagramChange change{turn.kind,          &m_model,        step.block,
-                               pathOf(step.block), turn.newNumbers, step.edit};
+    DiagramChange change{turn.kind, &m_model, step.block, pathOf(step.block), turn.newNumbers, step.edit};
     turn.work();
     m_done = done;
-    tell(change);
+    tell(std::move(change));
 }
 
 std::u16string EditHistory::pathOf(const Block* block) const
@@ -274,20 +273,37 @@ void EditHistory::checkBlock(const Block& block) const
 
 std::uint64_t EditHistory::addListener(Listener listener)
 {
-    m_listeners.emplace_back(++m_lastListener, std::move(listener));
+    m_listeners.emplace(++m_lastListener, std::move(listener));
     return m_lastListener;
 }
 
 void EditHistory::removeListener(std::uint64_t id)
 {
-    std::erase_if(m_listeners, [id](const auto& entry) { return entry.first == id; });
+    m_listeners.erase(id);
 }
 
-void EditHistory::tell(const DiagramChange& change)
+void EditHistory::tell(DiagramChange change)
 {
-    const auto listeners = m_listeners;  // one that is told may come or go
-    for (const auto& [id, listener] : listeners) {
-        listener(change);
+    m_untold.push_back(std::move(change));
+    if (m_untold.size() > 1) {
+        return;  // a listener edits: all are told when all know of the edit before
+    }
+    std::exception_ptr failure;
+    for (; !m_untold.empty(); m_untold.pop_front()) {
+        const std::uint64_t newest = m_lastListener;
+        for (auto next = m_listeners.begin(); next != m_listeners.end() && next->first <= newest;) {
+            const std::uint64_t id = next->first;
+            try {
+                const Listener listener = next->second;  // it may take itself away, or another
+                listener(m_untold.front());
+            } catch (...) {
+                failure = failure ? failure : std::current_exception();
+            }
+            next = m_listeners.upper_bound(id);
+        }
+    }
+    if (failure) {
+        std::rethrow_exception(failure);
     }
 }
 

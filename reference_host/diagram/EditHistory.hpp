@@ -6,7 +6,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <functional>
+#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -76,7 +78,8 @@ public:
     std::size_t redoCount() const noexcept { return m_steps.size() - m_done; }
 
     /// Told after every edit, undo and redo, in the order of their coming. What one throws comes out of the
-    /// edit, which is done all the same.
+    /// edit, which is done all the same, when all have been told. What one edits while it is told is told
+    /// when all know of the edit before: a listener may find the diagram further on than what it is told.
     using Listener = std::function<void(const DiagramChange&)>;
     std::uint64_t addListener(Listener listener);
     void removeListener(std::uint64_t id);
@@ -99,7 +102,7 @@ private:
     void record(Block* block, Turn forth, Turn back, std::u16string formerPath);
     void run(const Step& step, const Turn& turn, std::size_t done);
     std::u16string pathOf(const Block* block) const;
-    void tell(const DiagramChange& change);
+    void tell(DiagramChange change);
     void checkBlock(const Block& block) const;
     void changeOutputs(Block& block, std::vector<Port> after, std::vector<int> newNumbers,
                        std::vector<int> oldNumbers);
@@ -109,7 +112,8 @@ private:
     std::size_t m_done = 0;
     std::uint64_t m_lastEdit = 0;
     std::uint64_t m_lastListener = 0;
-    std::vector<std::pair<std::uint64_t, Listener>> m_listeners;
+    std::map<std::uint64_t, Listener> m_listeners;
+    std::deque<DiagramChange> m_untold;
 };
 
 }  // namespace reference_host

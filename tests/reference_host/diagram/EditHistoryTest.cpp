@@ -319,6 +319,47 @@ TEST_F(EditHistoryTest, AListenerThatFailsLeavesTheEditDone)
     EXPECT_EQ(history().undoCount(), 1U);
 }
 
+TEST_F(EditHistoryTest, AListenerThatFailsKeepsNothingFromTheOthers)
+{
+    const auto failing = history().addListener([](const DiagramChange&) { throw std::runtime_error("no"); });
+    std::size_t told = 0;
+    const auto behind = history().addListener([&told](const DiagramChange&) { ++told; });
+    EXPECT_THROW(history().renameBlock(at(u"Plant"), u"A"), std::runtime_error);
+    EXPECT_THROW(history().undo(), std::runtime_error);
+    history().removeListener(failing);
+    history().removeListener(behind);
+    EXPECT_EQ(told, 2U);
+}
+
+TEST_F(EditHistoryTest, WhatAListenerEditsIsToldToAllAfterwards)
+{
+    std::vector<ChangeKind> told;
+    const auto editing = history().addListener([this](const DiagramChange& change) {
+        if (change.kind == ChangeKind::OutputsChanged) {
+            history().renameBlock(*change.block, u"Changed");
+        }
+    });
+    const auto behind =
+        history().addListener([&told](const DiagramChange& change) { told.push_back(change.kind); });
+    history().deleteOutput(at(u"Controller/Gain"), 1);
+    history().removeListener(editing);
+    history().removeListener(behind);
+    EXPECT_EQ(told, (std::vector<ChangeKind>{ChangeKind::OutputsChanged, ChangeKind::BlockRenamed}));
+    EXPECT_EQ(history().undoCount(), 2U);
+}
+
+TEST_F(EditHistoryTest, AListenerThatIsTakenAwayWhileOthersAreToldIsToldNothing)
+{
+    std::size_t told = 0;
+    std::uint64_t behind = 0;
+    const auto removing =
+        history().addListener([&](const DiagramChange&) { history().removeListener(behind); });
+    behind = history().addListener([&told](const DiagramChange&) { ++told; });
+    history().renameBlock(at(u"Plant"), u"A");
+    history().removeListener(removing);
+    EXPECT_EQ(told, 0U);
+}
+
 // ---- long ways ------------------------------------------------------------------------------------------
 
 /// One random edit; those that the diagram refuses are part of it.
