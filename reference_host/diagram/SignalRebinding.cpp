@@ -10,6 +10,7 @@
 #include "reference_host/values/ValueReading.hpp"
 
 #include <algorithm>
+#include <map>
 #include <optional>
 #include <unordered_map>
 #include <utility>
@@ -113,6 +114,33 @@ void rebind(const nvArray* signals, std::size_t index, const SignalRecord& bound
     ClassObjects::callMethod(signals, "set", {methodIndex(index).get(), elementAt(between.get(), 0).get()});
 }
 
+/// A collection that gives up a signal's place takes the entries of every signal there out of its map. One
+/// that has come to such a place before, or has always been there, has to be entered again.
+class TakenEntries {
+public:
+    void note(const SignalRecord& former, std::size_t step)
+    {
+        m_byPath[{former.path, former.outputPort}] = step;
+        m_byHandle[{former.cachedHandle, former.cachedPort}] = step;
+    }
+
+    /// Whether the entries of a signal were taken after the step.
+    bool after(std::size_t step, const SignalRecord& signal) const
+    {
+        const auto isAfter = [step](const auto& steps, const auto& place) {
+            const auto found = steps.find(place);
+            return found != steps.end() && found->second > step;
+        };
+        return isAfter(m_byPath, std::pair(signal.path, signal.outputPort)) ||
+               (signal.cachedPort != 0 &&
+                isAfter(m_byHandle, std::pair(signal.cachedHandle, signal.cachedPort)));
+    }
+
+private:
+    std::map<std::pair<std::u16string, int>, std::size_t> m_byPath;
+    std::map<std::pair<double, int>, std::size_t> m_byHandle;
+};
+
 void reportUnbound(const SignalRecord& signal)
 {
     const zmsvException shown =
@@ -126,21 +154,31 @@ void reportUnbound(const SignalRecord& signal)
 
 void rebindSignals(const nvArray* signals, bool removeUnbound)
 {
-    const std::vector<SignalRecord> records = readSignals(signals);
     PortUUIDs uuids;
-    std::vector<std::size_t> unbound;
-    for (std::size_t i = 0; i < records.size(); ++i) {
-        const std::optional<SignalRecord> bound = boundBy(records[i], uuids);
+    TakenEntries taken;
+    std::vector<std::pair<SignalRecord, std::size_t>> kept;  // with the step that entered it
+    std::size_t step = 0;
+    for (SignalRecord& signal : readSignals(signals)) {
+        ++step;
+        std::optional<SignalRecord> bound = boundBy(signal, uuids);
         if (!bound) {
-            reportUnbound(records[i]);
-            unbound.push_back(i);
-        } else if (!isBoundAlike(*bound, records[i])) {
-            rebind(signals, i, *bound);
+            reportUnbound(signal);
+            if (removeUnbound) {
+                ClassObjects::callMethod(signals, "remove", {methodIndex(kept.size()).get()});
+                taken.note(signal, step);
+                continue;
+            }
         }
+        const bool isChanged = bound && !isBoundAlike(*bound, signal);
+        if (isChanged) {
+            rebind(signals, kept.size(), *bound);
+            taken.note(signal, step);
+        }
+        kept.emplace_back(bound ? std::move(*bound) : std::move(signal), isChanged ? step : 0);
     }
-    if (removeUnbound) {
-        for (auto index = unbound.rbegin(); index != unbound.rend(); ++index) {
-            ClassObjects::callMethod(signals, "remove", {methodIndex(*index).get()});
+    for (std::size_t i = 0; i < kept.size(); ++i) {
+        if (taken.after(kept[i].second, kept[i].first)) {
+            rebind(signals, i, kept[i].first);
         }
     }
 }

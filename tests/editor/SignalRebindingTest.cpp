@@ -5,6 +5,7 @@
 #include "reference_host/calls/Warnings.hpp"
 #include "reference_host/classes/ClassObjects.hpp"
 #include "reference_host/values/ValueMaking.hpp"
+#include "reference_host/values/ValueReading.hpp"
 #include "tests/editor/EditorTest.hpp"
 
 #include <gtest/gtest.h>
@@ -31,6 +32,17 @@ protected:
             keys.push_back(warning.id.key());
         }
         return keys;
+    }
+
+    /// Whether a signal with no handle is found by path and number.
+    bool isObservedByPath(const std::u16string& path, std::size_t number) const
+    {
+        const rh::OwnedValue asked = rh::ClassObjects::construct("Zelmar.HMI.SignalSpecification");
+        rh::ClassObjects::setProperty(asked.get(), "BlockPath_", rh::makeText(path).get());
+        rh::ClassObjects::setProperty(asked.get(), "OutputPortIndex_",
+                                      rh::makeDouble(static_cast<double>(number)).get());
+        return rh::isTrueScalar(
+            rh::ClassObjects::callMethod(signals.get(), "isPortObserved", {asked.get()}).front().get());
     }
 
     rh::Block& gain() { return at(u"Controller/Gain"); }
@@ -106,6 +118,61 @@ TEST_F(SignalRebinding, WhatNoLongerExistsIsRemovedOnDemand)
     rebind(true);
     EXPECT_EQ(places(), Places{"plant/Tank 1"});
     EXPECT_EQ(warnings().size(), 2U);
+}
+
+TEST_F(SignalRebinding, SignalsThatChangePlacesStayObserved)
+{
+    rh::Block& tank = at(u"Tank");
+    addSignal(tank, 1);
+    addSignal(gain(), 1);
+    addSignal(u"plant/Tank", tank.zid(), 2);
+    model->rename(tank, u"Former");
+    model->move(gain(), root());
+    model->rename(at(u"Gain"), u"Tank");
+    model->rename(at(u"Former"), u"Gain");
+    model->move(at(u"Gain"), at(u"Controller"));
+    rebind();
+    ASSERT_EQ(places(), (Places{"plant/Controller/Gain 1", "plant/Tank 1", "plant/Controller/Gain 2"}));
+    for (std::size_t number : {1U, 2U}) {
+        EXPECT_TRUE(isObservedByPath(u"plant/Controller/Gain", number)) << number;
+        EXPECT_TRUE(isObserved(at(u"Controller/Gain"), number)) << number;
+    }
+    EXPECT_TRUE(isObservedByPath(u"plant/Tank", 1));
+    EXPECT_TRUE(isObserved(at(u"Tank"), 1));
+}
+
+TEST_F(SignalRebinding, PortsThatChangePlacesStayObserved)
+{
+    for (const std::size_t number : {1U, 2U, 3U}) {
+        addSignal(gain(), number);
+    }
+    const auto setUUID = [this](double number, const std::string& uuid) {
+        rh::ClassObjects::callStatic(
+            rh::signalsClass, "setUUIDForBlock",
+            {rh::makeDouble(gain().handle()).get(), rh::makeNumber(number, nvClassID::UInt32).get(),
+             rh::makeText(uuid).get()});
+    };
+    const std::vector<rh::SignalRecord> before = records();
+    setUUID(2, before[0].uuid);
+    setUUID(3, before[1].uuid);
+    setUUID(1, before[2].uuid);
+    rebind();
+    ASSERT_EQ(places(),
+              (Places{"plant/Controller/Gain 2", "plant/Controller/Gain 3", "plant/Controller/Gain 1"}));
+    for (const std::size_t number : {1U, 2U, 3U}) {
+        EXPECT_TRUE(isObserved(gain(), number)) << number;
+        EXPECT_TRUE(isObservedByPath(u"plant/Controller/Gain", number)) << number;
+    }
+}
+
+TEST_F(SignalRebinding, ARemovedSignalTakesNoEntryOfAnotherAlong)
+{
+    addSignal(gain(), 3);
+    addSignal(u"plant/Controller/Gain", at(u"Tank").zid(), 3);
+    rebind(true);
+    ASSERT_EQ(places(), Places{"plant/Controller/Gain 3"});
+    EXPECT_TRUE(isObservedByPath(u"plant/Controller/Gain", 3));
+    EXPECT_EQ(warnings().size(), 1U);
 }
 
 TEST_F(SignalRebinding, AChartObjectFollowsItsBlock)
