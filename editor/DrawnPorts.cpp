@@ -26,6 +26,7 @@ bool isGivenPortObserved(const nvArray* signals, const zmPort& port)
 
 void DrawnPorts::redraw(const rh::Model& model, const nvArray* signals)
 {
+    m_collection = nullptr;
     m_ports.clear();
     std::vector<zmPort*> observed;
     for (const rh::Block* block : model.blocks()) {
@@ -37,12 +38,14 @@ void DrawnPorts::redraw(const rh::Model& model, const nvArray* signals)
         }
     }
     nativeSignals(signals).cacheZMPorts(observed);
+    m_collection = &nativeSignals(signals);
 }
 
 bool DrawnPorts::isObserved(const nvArray* signals, const rh::Block& block, std::size_t number) const
 {
     const auto port = m_ports.find({&block, number});
-    return port != m_ports.end() && nativeSignals(signals).isZMPortObserved(&port->second);
+    const zm_hmi::InstrumentedSignals& collection = nativeSignals(signals);
+    return port != m_ports.end() && &collection == m_collection && collection.isZMPortObserved(&port->second);
 }
 
 }  // namespace editor

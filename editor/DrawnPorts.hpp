@@ -1,6 +1,7 @@
 #ifndef ZM_EDITOR_DRAWN_PORTS_HPP
 #define ZM_EDITOR_DRAWN_PORTS_HPP
 
+#include "hmi/InstrumentedSignals.hpp"
 #include "host/Ports.hpp"
 #include "reference_host/diagram/Model.hpp"
 
@@ -18,7 +19,7 @@ namespace editor {
 
 /// The output ports of the last redraw, with those among them that are observed in the collection's port
 /// cache. A change of the collection empties that cache: then no port counts as observed until the next
-/// redraw.
+/// redraw. Nor does one in another collection than was drawn, whose cache may name ports that are gone.
 class DrawnPorts {
 public:
     /// Draws every output port of the diagram anew, and caches the observed ones in the collection.
@@ -30,6 +31,7 @@ public:
 
 private:
     std::map<std::pair<const reference_host::Block*, std::size_t>, zmPort> m_ports;
+    const zm_hmi::InstrumentedSignals* m_collection = nullptr;  // only compared
 };
 
 }  // namespace editor

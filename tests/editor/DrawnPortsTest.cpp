@@ -44,6 +44,16 @@ TEST_F(DrawnPortsTest, AChangeMakesARedrawNecessary)
     EXPECT_TRUE(drawn.isObserved(signals.get(), at(u"Tank"), 2));
 }
 
+TEST_F(DrawnPortsTest, AnotherCollectionIsToBeDrawnAnew)
+{
+    addSignal(at(u"Tank"), 1);
+    drawn.redraw(*model, signals.get());
+    const rh::OwnedValue another = newSignalsLike(signals.get());
+    EXPECT_FALSE(drawn.isObserved(another.get(), at(u"Tank"), 1));
+    drawn.redraw(*model, another.get());
+    EXPECT_FALSE(drawn.isObserved(signals.get(), at(u"Tank"), 1)) << "its cache names ports that are gone";
+}
+
 TEST_F(DrawnPortsTest, APortThatIsNotThereIsNotObserved)
 {
     drawn.redraw(*model, signals.get());
