@@ -2,6 +2,8 @@
 
 #include "editor/SignalsObject.hpp"
 #include "hmi/HMIEngineUtils.hpp"
+#include "host/Exceptions.hpp"
+#include "host/Text.hpp"
 #include "reference_host/classes/ClassObjects.hpp"
 #include "reference_host/diagram/CollectionAccess.hpp"
 #include "reference_host/values/ValueMaking.hpp"
@@ -58,6 +60,27 @@ std::vector<std::size_t> indicesOf(const std::vector<SignalRecord>& signals, IsI
     return indices;
 }
 
+/// Binds what is bound to no handle yet, as signals that were just loaded, to the block and port that it is
+/// on. The library does so when it is asked for a port by path; a signal that is renumbered before would
+/// be neither bound nor unbound.
+void bindUnbound(const nvArray* signals)
+{
+    const std::vector<SignalRecord> records = rh::readSignals(signals);
+    for (std::size_t i = 0; i < records.size(); ++i) {
+        const SignalRecord& record = records[i];
+        const rh::SignalPlace place =
+            record.cachedPort == 0 && !record.chartObject ? rh::placeOf(record) : rh::SignalPlace();
+        const rh::OwnedValue signal = place.isThere ? rh::elementAt(signals, i) : nullptr;
+        if (signal) {
+            rh::ClassObjects::setProperty(signal.get(), "CachedBlockHandle_",
+                                          rh::makeDouble(place.block->handle()).get());
+            rh::ClassObjects::setProperty(signal.get(), "CachedPortIdx_",
+                                          rh::makeDouble(record.outputPort).get());
+            rh::ClassObjects::callMethod(signals, "isPortObserved", {signal.get()});
+        }
+    }
+}
+
 void renumber(const nvArray* signals, const Block& block, const std::vector<int>& newNumbers)
 {
     nativeSignals(signals).renumberPorts(block.handle(), block.path(), block.zid(), newNumbers);
@@ -80,12 +103,20 @@ void setPortUUID(const Block& block, std::size_t number, const std::string& uuid
                                  {handle.get(), rh::methodIndex(number - 1).get(), rh::makeText(uuid).get()});
 }
 
+/// How many ports have UUIDs to keep: a diagram that is further on may have fewer than it had after the edit.
+std::size_t portsAfter(const Block& block, const std::vector<int>& newNumbers)
+{
+    const auto last = std::max_element(newNumbers.begin(), newNumbers.end());
+    return std::max(block.ports(rh::PortKind::Output).size(),
+                    last != newNumbers.end() ? static_cast<std::size_t>(*last) : 0);
+}
+
 /// Has each port keep its UUID under its new number. Ports that are new take back the UUID which they had
 /// under that number when an edit took them away. Returns the UUIDs of ports that are gone, by old number.
 std::map<std::size_t, std::string> renumberUUIDs(const Block& block, const std::vector<int>& newNumbers,
                                                  const std::map<std::size_t, std::string>& former)
 {
-    std::vector<std::string> uuids(block.ports(rh::PortKind::Output).size());
+    std::vector<std::string> uuids(portsAfter(block, newNumbers));
     std::map<std::size_t, std::string> gone;
     for (std::size_t i = 0; i < newNumbers.size(); ++i) {
         std::string uuid = portUUID(block, i + 1, true);
@@ -105,10 +136,50 @@ std::map<std::size_t, std::string> renumberUUIDs(const Block& block, const std::
     return gone;
 }
 
+/// Follows changed outputs. Returns the signals of the ports that are gone.
+RemovedSignals renumberSignals(const nvArray* signals, const DiagramChange& change)
+{
+    bindUnbound(signals);
+    const auto isGone = [&numbers = change.newNumbers,
+                         isOn = IsOn(*change.block)](const SignalRecord& signal) {
+        const int number = signal.outputPort;
+        return number >= 1 && static_cast<std::size_t>(number) <= numbers.size() &&
+               numbers[static_cast<std::size_t>(number) - 1] == 0 && isOn(signal);
+    };
+    RemovedSignals removed(signals, indicesOf(rh::readSignals(signals), isGone));
+    renumber(signals, *change.block, change.newNumbers);
+    return removed;
+}
+
+/// The models that have an editor.
+std::set<const rh::Model*>& editedModels()
+{
+    static std::set<const rh::Model*> models;
+    return models;
+}
+
+[[noreturn]] void refuse(const char* key, const std::string& text)
+{
+    throw zmsvException(zmsvMessageId("reference_host:editor", key), text);
+}
+
+std::shared_ptr<rh::Model> claim(std::shared_ptr<rh::Model> model)
+{
+    if (model == nullptr) {
+        refuse("InvalidModel", "An editor takes a model.");
+    }
+    if (!editedModels().insert(model.get()).second) {
+        refuse("SecondEditor",
+               "The model \"" + toUtf8(model->name()) +
+                   "\" has an editor already; a second one would renumber its signals again.");
+    }
+    return model;
+}
+
 }  // namespace
 
 SignalEditor::SignalEditor(std::shared_ptr<rh::Model> model)
-    : m_model(std::move(model)),
+    : m_model(claim(std::move(model))),
       m_listener(m_model->history().addListener([this](const DiagramChange& change) { follow(change); }))
 {
 }
@@ -116,6 +187,7 @@ SignalEditor::SignalEditor(std::shared_ptr<rh::Model> model)
 SignalEditor::~SignalEditor()
 {
     m_model->history().removeListener(m_listener);
+    editedModels().erase(m_model.get());
 }
 
 void SignalEditor::follow(const DiagramChange& change)
@@ -125,6 +197,10 @@ void SignalEditor::follow(const DiagramChange& change)
         return;
     }
     const rh::OwnedValue signals = rh::modelSignals(*m_model);
+    if (change.kind == ChangeKind::OutputsChanged) {
+        followOutputs(signals.get(), change);
+        return;
+    }
     if (!signals) {
         return;
     }
@@ -135,15 +211,13 @@ void SignalEditor::follow(const DiagramChange& change)
         case ChangeKind::BlockVanished:
             followVanished(signals.get(), change);
             break;
-        case ChangeKind::OutputsChanged:
-            followOutputs(signals.get(), change);
-            break;
         case ChangeKind::BlockRenamed:
         case ChangeKind::BlockMoved:
             zm_hmi::InstrumentedSignals::applyRebindingRules(signals.get(), false);
             break;
-        case ChangeKind::ModelRenamed:      // the host gives a renamed model its signals under the new name
-        case ChangeKind::ParameterChanged:  // above
+        case ChangeKind::ModelRenamed:    // the host gives a renamed model its signals under the new name
+        case ChangeKind::OutputsChanged:  // above
+        case ChangeKind::ParameterChanged:
             break;
     }
 }
@@ -175,16 +249,14 @@ void SignalEditor::followVanished(const nvArray* signals, const DiagramChange& c
 void SignalEditor::followOutputs(const nvArray* signals, const DiagramChange& change)
 {
     const Removed former = takeRemoved(change.edit);
-    const auto isGone = [&numbers = change.newNumbers,
-                         isOn = IsOn(*change.block)](const SignalRecord& signal) {
-        const int number = signal.outputPort;
-        return number >= 1 && static_cast<std::size_t>(number) <= numbers.size() &&
-               numbers[static_cast<std::size_t>(number) - 1] == 0 && isOn(signal);
-    };
-    Removed removed{RemovedSignals(signals, indicesOf(rh::readSignals(signals), isGone)), {}};
-    renumber(signals, *change.block, change.newNumbers);
+    Removed removed;
+    if (signals != nullptr) {
+        removed.signals = renumberSignals(signals, change);
+    }
     removed.portUUIDs = renumberUUIDs(*change.block, change.newNumbers, former.portUUIDs);
-    former.signals.putBack(signals);
+    if (signals != nullptr) {
+        former.signals.putBack(signals);
+    }
     m_removed.insert_or_assign(change.edit, std::move(removed));
 }
 
@@ -204,6 +276,7 @@ void SignalEditor::rebind(bool removeUnbound)
 void SignalEditor::redraw()
 {
     if (const rh::OwnedValue signals = rh::modelSignals(*m_model)) {
+        bindUnbound(signals.get());
         m_drawn.redraw(*m_model, signals.get());
     }
 }

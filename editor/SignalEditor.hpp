@@ -26,11 +26,14 @@ namespace editor {
 ///   a parameter changed                          announced to the host
 ///
 /// Undo does the opposite, and what an edit removed comes back where it was. The process's map of block
-/// ports to UUIDs follows the ports. Main thread only; the library has to be loaded.
+/// ports to UUIDs follows the ports, with and without signals. Signals that are bound to no handle yet are
+/// bound by path before they are renumbered. Main thread only; the library has to be loaded.
 class SignalEditor {
 public:
     using Source = zm_hmi::InstrumentedSignals::Source;
 
+    /// A model has one editor at a time. A second one is a host error ("SecondEditor"), null too
+    /// ("InvalidModel").
     explicit SignalEditor(std::shared_ptr<reference_host::Model> model);
     SignalEditor(const SignalEditor&) = delete;
     SignalEditor& operator=(const SignalEditor&) = delete;
@@ -41,7 +44,8 @@ public:
     /// Has the host bind the signals to the diagram as it is now.
     void rebind(bool removeUnbound);
 
-    /// Draws the ports anew: see `DrawnPorts`. Without signals no port is observed.
+    /// Draws the ports anew: see `DrawnPorts`. Signals that are bound to no handle yet are bound before.
+    /// Without signals no port is observed.
     void redraw();
     bool isDrawnPortObserved(const reference_host::Block& block, std::size_t number) const;
 
@@ -59,7 +63,7 @@ private:
 
     void follow(const reference_host::DiagramChange& change);
     void followVanished(const nvArray* signals, const reference_host::DiagramChange& change);
-    void followOutputs(const nvArray* signals, const reference_host::DiagramChange& change);
+    void followOutputs(const nvArray* signals, const reference_host::DiagramChange& change);  // or null
     Removed takeRemoved(std::uint64_t edit);
 
     std::shared_ptr<reference_host::Model> m_model;

@@ -4,11 +4,30 @@
 #include "reference_host/classes/ClassObjects.hpp"
 #include "reference_host/diagram/CollectionAccess.hpp"
 #include "reference_host/diagram/SignalRecords.hpp"
+#include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"
 
 namespace editor {
 
 namespace rh = reference_host;
+
+namespace {
+
+std::u16string textOf(const nvArray* object, const char* property)
+{
+    return rh::text(rh::ClassObjects::getProperty(object, property).get());
+}
+
+/// Puts another start in the place of one that the text has.
+void renameIn(nvArray* signal, const char* property, const std::u16string& from, const std::u16string& to)
+{
+    const std::u16string value = textOf(signal, property);
+    if (value.starts_with(from)) {
+        rh::ClassObjects::setProperty(signal, property, rh::makeText(to + value.substr(from.size())).get());
+    }
+}
+
+}  // namespace
 
 zm_hmi::InstrumentedSignals& nativeSignals(const nvArray* object)
 {
@@ -30,6 +49,12 @@ rh::OwnedValue newSignalsLike(const nvArray* signals)
 void appendElement(const nvArray* target, const nvArray* source, std::size_t index)
 {
     const rh::OwnedValue element = rh::elementAt(source, index);
+    const std::u16string from = textOf(source, "Model");
+    const std::u16string to = textOf(target, "Model");
+    if (element && from != to) {
+        renameIn(element.get(), "BlockPath_", from + u'/', to + u'/');
+        renameIn(element.get(), "ZID_", from + u':', to + u':');
+    }
     rh::ClassObjects::callMethod(target, "add", {element.get()});
 }
 

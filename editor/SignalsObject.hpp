@@ -16,8 +16,8 @@ zm_hmi::InstrumentedSignals& nativeSignals(const nvArray* object);
 /// A new, empty collection with the model name of another.
 reference_host::OwnedValue newSignalsLike(const nvArray* signals);
 
-/// Appends a copy of one collection's element to another. Copied twice, an element is what it was, to the
-/// order of its domain parameters; copied once, that order may be another.
+/// Appends a copy of one collection's element to another, under the model name of that. Copied twice, an
+/// element is what it was, to the order of its domain parameters; copied once, that order may be another.
 void appendElement(const nvArray* target, const nvArray* source, std::size_t index);
 
 /// Removes the element at a 0-based index.

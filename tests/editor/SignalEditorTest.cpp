@@ -1,8 +1,10 @@
 #include "editor/SignalEditor.hpp"
 
+#include "host/Exceptions.hpp"
 #include "reference_host/calls/Warnings.hpp"
 #include "reference_host/classes/ClassObjects.hpp"
 #include "reference_host/diagram/EditorEvents.hpp"
+#include "reference_host/diagram/ModelRename.hpp"
 #include "reference_host/diagram/OpenModels.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"
@@ -11,6 +13,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace editor {
@@ -133,6 +136,39 @@ TEST_F(SignalEditorTest, EveryPortKeepsItsUUID)
     EXPECT_EQ((std::vector<std::string>{uuidOf(1), uuidOf(2), uuidOf(3)}), before);
 }
 
+TEST_F(SignalEditorTest, PortsKeepTheirUUIDsWithoutSignals)
+{
+    addSignal(gain(), 1);
+    const rh::OwnedValue observers = model->observers();
+    model->setObservers(nullptr);
+    history().reorderOutputs(gain(), {2, 3, 1});
+    model->setObservers(observers.get());
+    signalEditor->rebind(false);
+    EXPECT_EQ(places(), Places{"plant/Controller/Gain 2"});
+}
+
+TEST_F(SignalEditorTest, SignalsThatWereJustLoadedAreBoundBeforeTheyMove)
+{
+    addSignal(u"plant/Controller/Gain", "plant:2", 1);
+    addSignal(u"plant/Tank", "", 2);
+    history().reorderOutputs(gain(), {2, 3, 1});
+    EXPECT_TRUE(isObserved(gain(), 2));
+    EXPECT_EQ(records()[0].cachedHandle, gain().handle());
+    history().undo();
+    EXPECT_TRUE(isObserved(gain(), 1));
+    EXPECT_FALSE(isObserved(gain(), 2));
+}
+
+TEST_F(SignalEditorTest, SignalsThatWereJustLoadedAreSeenByARedraw)
+{
+    addSignal(u"plant/Controller/Gain", "plant:2", 1);
+    addSignal(u"plant/Tank", "", 7);
+    const std::string before = persisted();
+    signalEditor->redraw();
+    EXPECT_TRUE(signalEditor->isDrawnPortObserved(gain(), 1));
+    EXPECT_EQ(persisted(), before);
+}
+
 // ---- blocks ---------------------------------------------------------------------------------------------
 
 TEST_F(SignalEditorTest, ADeletedSystemTakesAllItsSignalsAndUndoBringsThemBack)
@@ -207,6 +243,24 @@ TEST_F(SignalEditorTest, SignalsFollowARenamedModel)
     EXPECT_EQ(persisted(), before);
 }
 
+TEST_F(SignalEditorTest, SignalsComeBackUnderTheNameThatTheModelHasByThen)
+{
+    addSignal(gain(), 1);
+    addActivity(at(u"Tank"), u"1");
+    const std::string before = persisted();
+    history().deleteOutput(gain(), 1);
+    history().deleteBlock(at(u"Tank"));
+    rh::renameModelWithObservers(u"plant", u"factory");
+    history().undo();
+    history().undo();
+    signals = rh::modelSignals(*model);
+    ASSERT_EQ(records().size(), 2U);
+    EXPECT_EQ(records()[0].path, u"factory/Controller/Gain");
+    EXPECT_EQ(records()[0].zid, "factory:2");
+    EXPECT_EQ(records()[1].path, u"factory/Tank");
+    EXPECT_EQ(persisted(), before) << "which names no model";
+}
+
 // ---- the rest -------------------------------------------------------------------------------------------
 
 TEST_F(SignalEditorTest, AChangedParameterIsAnnounced)
@@ -228,6 +282,51 @@ TEST_F(SignalEditorTest, AModelWithoutObserversIsFollowedWithoutEffect)
     history().undo();
     signalEditor->redraw();
     EXPECT_FALSE(signalEditor->isDrawnPortObserved(gain(), 1));
+}
+
+TEST_F(SignalEditorTest, AModelHasOneEditor)
+{
+    EXPECT_THROW(SignalEditor{model}, zmsvException);
+    EXPECT_THROW(SignalEditor{nullptr}, zmsvException);
+    addSignal(gain(), 1);
+    history().reorderOutputs(gain(), {2, 3, 1});
+    EXPECT_EQ(places(), Places{"plant/Controller/Gain 2"}) << "renumbered once";
+    signalEditor.reset();
+    EXPECT_NO_THROW(SignalEditor{model});
+}
+
+TEST_F(SignalEditorTest, AnEditorThatEndsWhileOthersAreToldIsToldNothing)
+{
+    signalEditor.reset();
+    const auto ending = history().addListener([this](const rh::DiagramChange&) { signalEditor.reset(); });
+    signalEditor = std::make_unique<SignalEditor>(model);
+    addSignal(gain(), 1);
+    history().deleteOutput(gain(), 1);
+    history().removeListener(ending);
+    EXPECT_EQ(places(), Places{"plant/Controller/Gain 1"});
+}
+
+TEST_F(SignalEditorTest, WhatAnotherListenerEditsMeanwhileIsFollowedInOrder)
+{
+    signalEditor.reset();
+    bool isFirst = true;
+    const auto editing = history().addListener([&](const rh::DiagramChange& change) {
+        if (std::exchange(isFirst, false)) {
+            history().deleteOutput(*change.block, 1);
+        }
+    });
+    signalEditor = std::make_unique<SignalEditor>(model);
+    addSignal(gain(), 1);
+    addSignal(gain(), 2);
+    addSignal(gain(), 3);
+    const std::string before = persisted();
+    history().reorderOutputs(gain(), {2, 3, 1});
+    EXPECT_EQ(places(), (Places{"plant/Controller/Gain 1", "plant/Controller/Gain 2"}));
+    EXPECT_EQ(gain().ports(rh::PortKind::Output)[0].name, u"y");
+    history().undo();
+    history().undo();
+    EXPECT_EQ(persisted(), before);
+    history().removeListener(editing);
 }
 
 TEST_F(SignalEditorTest, AnEndedEditorFollowsNoMore)
