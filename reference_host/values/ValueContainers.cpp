@@ -57,22 +57,33 @@ void put(nvArray* container, HeldValue& place, nvArray* value) noexcept
     const HeldValue former = std::exchange(place, HeldValue(value));
 }
 
-/// The place of a field that is to be filled; the struct no longer shares its data.
-HeldValue& fieldPlace(nvArray* value, std::size_t index, const char* name, const nvArray* field)
+const Fields& requireFields(const nvArray* value)
 {
     requireAlive(value);
     const Fields* fields = fieldsOf(value);
     if (fields == nullptr) {
         throwHostError("WrongClass", {std::string("a struct"), describe(value)});
     }
+    return *fields;
+}
+
+/// The place of a field that is to be filled; the struct no longer shares its data.
+HeldValue& fieldPlace(nvArray* value, std::size_t index, std::size_t number, const nvArray* field)
+{
+    requireStorable(value, field);
+    Fields& fields = std::get<Fields>(writablePayload(value).content);
+    return fields.values[index * fields.table->names.size() + number];
+}
+
+HeldValue& fieldPlace(nvArray* value, std::size_t index, const char* name, const nvArray* field)
+{
+    const Fields& fields = requireFields(value);
     requireIndex(index, value->payload->dimensions.elementCount());
-    const std::size_t number = name != nullptr ? fieldNumber(*fields, name) : fields->table->names.size();
-    if (number == fields->table->names.size()) {
+    const std::size_t number = name != nullptr ? fieldNumber(fields, name) : fields.table->names.size();
+    if (number == fields.table->names.size()) {
         throwHostError("NoSuchField", {std::string(name != nullptr ? name : ""), describe(value)});
     }
-    requireStorable(value, field);
-    const std::size_t place = index * fields->table->names.size() + number;
-    return std::get<Fields>(writablePayload(value).content).values[place];
+    return fieldPlace(value, index, number, field);
 }
 
 }  // namespace
@@ -110,6 +121,29 @@ void setField(nvArray* value, std::size_t index, const char* name, OwnedValue fi
 {
     storeField(value, index, name, field.get(), false);
     static_cast<void>(field.release());
+}
+
+const nvArray* numberedField(const nvArray* value, std::size_t index, std::size_t number)
+{
+    const Fields* fields = fieldsOf(value);
+    if (fields == nullptr) {
+        return nullptr;
+    }
+    requireIndex(index, value->payload->dimensions.elementCount());
+    requireIndex(number, fields->table->names.size());
+    return fields->values[index * fields->table->names.size() + number].get();
+}
+
+void setNumberedField(nvArray* value, std::size_t index, std::size_t number, OwnedValue field)
+{
+    const Fields& fields = requireFields(value);
+    requireIndex(index, value->payload->dimensions.elementCount());
+    requireIndex(number, fields.table->names.size());
+    HeldValue& place = fieldPlace(value, index, number, field.get());
+    if (place) {
+        throwMisuse("FieldIsSet", {fieldNames(value)[number], describeWithSerial(place.get())});
+    }
+    put(value, place, field.release());
 }
 
 void replaceField(nvArray* value, std::size_t index, const char* name, OwnedValue field)

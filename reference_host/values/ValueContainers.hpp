@@ -24,6 +24,10 @@ ZM_REFHOST_API const nvArray* field(const nvArray* value, std::size_t index, con
 /// deeper is a host error, here and in every operation that stores.
 ZM_REFHOST_API void setField(nvArray* value, std::size_t index, const char* name, OwnedValue field);
 
+/// As `field` and `setField`, by the number of the field, 0-based. One past the end is a host error.
+ZM_REFHOST_API const nvArray* numberedField(const nvArray* value, std::size_t index, std::size_t number);
+ZM_REFHOST_API void setNumberedField(nvArray* value, std::size_t index, std::size_t number, OwnedValue field);
+
 /// As `setField`; what the field held before ends.
 ZM_REFHOST_API void replaceField(nvArray* value, std::size_t index, const char* name, OwnedValue field);
 

@@ -6,7 +6,8 @@
 #include "reference_host/values/Payload.hpp"
 #include "reference_host/values/TextConversion.hpp"
 
-#include <algorithm>
+#include <string_view>
+#include <unordered_set>
 #include <utility>
 
 namespace reference_host {
@@ -45,9 +46,10 @@ ValueClass numericClass(nvClassID classID)
 
 OwnedValue makeFields(ValueClass valueClass, Dimensions dimensions, FieldTable table)
 {
-    for (auto name = table.names.begin(); name != table.names.end(); ++name) {
-        if (std::find(table.names.begin(), name, *name) != name) {
-            throwHostError("FieldNamedTwice", {*name});
+    std::unordered_set<std::string_view> names;
+    for (const std::string& name : table.names) {
+        if (!names.insert(name).second) {
+            throwHostError("FieldNamedTwice", {name});
         }
     }
     const std::size_t bytesEach = requireBytes(table.names.size(), sizeof(HeldValue));

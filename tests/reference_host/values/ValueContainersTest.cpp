@@ -105,6 +105,34 @@ TEST_F(ValueContainersTest, FieldsOfEachElementAreApart)
     EXPECT_EQ(field(records.get(), 2, "UUID"), nullptr);
 }
 
+TEST_F(ValueContainersTest, AFieldIsReadAndSetByItsNumberToo)
+{
+    const OwnedValue records = makeRecords(2);
+    setNumberedField(records.get(), 1, 1, makeDouble(7));
+    EXPECT_EQ(scalar(field(records.get(), 1, "Number")), 7);
+    EXPECT_EQ(numberedField(records.get(), 1, 1), field(records.get(), 1, "Number"));
+    EXPECT_EQ(numberedField(records.get(), 0, 1), nullptr);
+}
+
+TEST_F(ValueContainersTest, ANumberPastTheLastFieldIsAHostError)
+{
+    const OwnedValue records = makeRecords(1);
+    EXPECT_THROW(static_cast<void>(numberedField(records.get(), 0, 2)), zmsvException);
+    EXPECT_THROW(setNumberedField(records.get(), 0, 2, makeDouble(1)), zmsvException);
+    EXPECT_THROW(setNumberedField(records.get(), 1, 0, makeDouble(1)), zmsvException);
+}
+
+TEST_F(ValueContainersTest, SettingASetFieldByItsNumberIsAMisuseThatNamesIt)
+{
+    expectMisuses(1);
+    const OwnedValue records = makeRecords(1);
+    setNumberedField(records.get(), 0, 1, makeDouble(1));
+    const std::string text =
+        misusedWith("FieldIsSet", [&] { setNumberedField(records.get(), 0, 1, makeDouble(2)); });
+    EXPECT_NE(text.find("Number"), std::string::npos) << text;
+    EXPECT_EQ(scalar(numberedField(records.get(), 0, 1)), 1);
+}
+
 TEST_F(ValueContainersTest, WhatAContainerRefusesStaysOpenWithItsOwner)
 {
     const OwnedValue records = makeRecords(1);
