@@ -34,6 +34,21 @@ std::string orEmpty(const char* text)
     return text != nullptr ? text : "";
 }
 
+// Reads what the host answered; false when it cannot be read. The editor's queries never fail towards their
+// caller, so an answer of another class than it should have is one warning, as a call that fails is. Records
+// that are read from an answer, or written with it, let it pass out as the host error that it is.
+template <class Read>
+bool readOrWarn(Read read)
+{
+    try {
+        read();
+        return true;
+    } catch (const zmsvException&) {
+        zmsvReportAsWarning(zmsvCreateDiagnosticFromCatchClause());
+        return false;
+    }
+}
+
 std::vector<InstrumentedSignals::Source> readSources(const std::array<OwnedArray, 10>& results)
 {
     std::vector<InstrumentedSignals::Source> sources(nvGetNumberOfElements(results[0].get()));
@@ -70,14 +85,7 @@ try {
     const OwnedArray fourth = asLocalTemporary(makeLogical(secondSwitch));
     const auto [succeeded, results] =
         callHostNoThrow<10>("getObservedPorts", model, first.get(), second.get(), third.get(), fourth.get());
-    if (!succeeded) {
-        sources.clear();
-        return;
-    }
-    try {
-        sources = readSources(results);
-    } catch (const zmsvException&) {  // a result of another class than it should have
-        zmsvReportAsWarning(zmsvCreateDiagnosticFromCatchClause());
+    if (!succeeded || !readOrWarn([&] { sources = readSources(results); })) {
         sources.clear();
     }
 } catch (const std::bad_alloc&) {
@@ -91,15 +99,13 @@ try {
     }
     const HostCallResult<1> result = callHostNoThrow<1>("getPortsWithBadges", model);
     const nvArray* found = result.outputs[0].get();
-    try {
+    readOrWarn([&] {
         std::set<double> badged;
         for (std::size_t i = 0; i < nvGetNumberOfElements(found); ++i) {
             badged.insert(nvGetElement(found, i));
         }
         handles.merge(badged);
-    } catch (const zmsvException&) {  // as above
-        zmsvReportAsWarning(zmsvCreateDiagnosticFromCatchClause());
-    }
+    });
 } catch (const std::bad_alloc&) {
     zmsvThrowOutOfMemory();
 }

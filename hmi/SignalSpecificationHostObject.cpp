@@ -81,7 +81,7 @@ std::u16string SignalSpecification::getAlignedBlockPath(const std::u16string& mo
     }
     object = asTemporary(std::move(object));
     const HostCallResult<1> result = callHostNoThrow<1>("getAlignedBlockPath", object.get());
-    return nvGetUString(result.outputs[0].get());
+    return nvGetUString(result.outputs[0].get());  // an answer that is no text is the caller's host error
 }
 
 SignalSpecification* SignalSpecification::createSigSpecFromPort(const std::u16string& blockPath,

@@ -213,6 +213,7 @@ TEST_F(SignalSpecificationStruct, AnAnswerThatIsNoTextIsAHostError)
     });
     const OwnedArray data = makePersistedFields();
     EXPECT_THROW(makeSignal(distinctValues())->getPersistenceData(data.get(), 0, u"plant"), zmsvException);
+    EXPECT_TRUE(rh::Warnings::reported().empty());
 }
 
 // ---- loading ------------------------------------------------------------------------------------
