@@ -1,0 +1,78 @@
+#include "reference_host/files/JsonPlace.hpp"
+
+#include "reference_host/files/FileErrors.hpp"
+#include "reference_host/values/QuotedText.hpp"
+
+#include <cstdint>
+
+namespace reference_host {
+
+namespace {
+
+constexpr std::size_t longestName = 64;
+
+}  // namespace
+
+void JsonPlace::item()
+{
+    if (!m_levels.empty() && m_levels.back().isArray) {
+        ++m_levels.back().elements;
+    }
+    if (++m_items > m_limits.items) {
+        throw fileError("JsonTooManyItems", {text(), std::uint64_t{m_limits.items}});
+    }
+}
+
+void JsonPlace::enterArray()
+{
+    enter(true);
+}
+
+void JsonPlace::enterObject()
+{
+    enter(false);
+}
+
+void JsonPlace::enter(bool isArray)
+{
+    if (m_levels.size() >= m_limits.depth) {
+        throw fileError("JsonTooDeep", {std::uint64_t{m_limits.depth}});
+    }
+    m_levels.push_back({isArray, 0, {}});
+}
+
+void JsonPlace::member(std::string_view name)
+{
+    m_levels.back().member = name;
+}
+
+void JsonPlace::leave()
+{
+    m_levels.pop_back();
+}
+
+std::string JsonPlace::text() const
+{
+    std::string place = "/";
+    for (const Level& level : m_levels) {
+        if (level.isArray && level.elements > 0) {
+            place = placeInside(place, level.elements - 1);
+        } else if (!level.isArray && !level.member.empty()) {
+            place = placeInside(place, level.member);
+        }
+    }
+    return place;
+}
+
+std::string placeInside(const std::string& place, std::string_view member)
+{
+    std::string inside = place == "/" ? place : place + "/";
+    return member.size() <= longestName ? inside.append(member) : inside + quotedText(member);
+}
+
+std::string placeInside(const std::string& place, std::size_t element)
+{
+    return placeInside(place, std::to_string(element));
+}
+
+}  // namespace reference_host
