@@ -88,23 +88,29 @@ OwnedArray writeUInt32(const Record& record, const std::u16string& /*modelName*/
     return value;
 }
 
+std::uint64_t widenedInt(const nvArray* value)
+{
+    return static_cast<std::uint64_t>(
+        static_cast<std::int64_t>(static_cast<std::int32_t>(nvGetScalarInt(value))));
+}
+
 // A missing field reads as 0, although a new record has 1.
 template <auto Member>
 void readUInt32(Record& record, const nvArray* value)
 {
-    record.*Member = value == nullptr ? 0
-                                      : static_cast<std::uint64_t>(static_cast<std::int64_t>(
-                                            static_cast<std::int32_t>(nvGetScalarInt(value))));
+    record.*Member = value == nullptr ? 0 : widenedInt(value);
+}
+
+bool firstLogical(const nvArray* value)
+{
+    const bool* logicals = nvGetLogicals(value);
+    return !nvIsEmpty(value) && logicals[0];
 }
 
 template <auto Member>
 void readFlag(Record& record, const nvArray* value)
 {
-    if (nvIsLogical(value)) {
-        record.*Member = !nvIsEmpty(value) && nvGetLogicals(value)[0];
-    } else {
-        record.*Member = value != nullptr && nvGetScalar(value) != 0.0;
-    }
+    record.*Member = nvIsLogical(value) ? firstLogical(value) : value != nullptr && nvGetScalar(value) != 0.0;
 }
 
 }  // namespace
@@ -115,6 +121,23 @@ OwnedArray SignalClient::Fields::persistent(OwnedArray value)
         zmsvSetPersistentScope(value.get());
     }
     return value;
+}
+
+void SignalClient::Fields::readProperty(SignalClient& record, Field field, const nvArray* value)
+{
+    switch (field) {
+        case UpdateRate:
+            record.UpdateRate_ = widenedInt(value);
+            break;
+        case DimensionChannel:
+            record.DimensionChannel_ = widenedInt(value);
+            break;
+        case ObserveImaginaryPart:
+            record.ObserveImaginaryPart_ = firstLogical(value);
+            break;
+        default:
+            table[field].read(record, value);
+    }
 }
 
 const std::array<Record::Fields::Row, Record::Fields::Count> Record::Fields::table = {{

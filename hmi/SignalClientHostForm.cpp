@@ -65,7 +65,8 @@ void SignalClient::setFromNVCOS(const nvArray* object, const std::u16string& mod
             }
             ObserverParams_ = Fields::persistent(std::move(params));
         } else {
-            row.read(*this, readProperty(object, row.name).get());
+            Fields::readProperty(*this, static_cast<Fields::Field>(field),
+                                 readProperty(object, row.name).get());
         }
     }
     stripModelName(modelName);

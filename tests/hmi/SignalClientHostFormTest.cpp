@@ -3,6 +3,8 @@
 #include "host/OwnedArray.hpp"
 #include "reference_host/calls/Faults.hpp"
 #include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/ClassSystem.hpp"
+#include "reference_host/classes/RecordClass.hpp"
 #include "reference_host/values/ValueContainers.hpp"
 #include "reference_host/values/ValueDescription.hpp"
 #include "reference_host/values/ValueMaking.hpp"
@@ -14,6 +16,7 @@
 #include <rapidcheck/gtest.h>
 
 #include <limits>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -396,6 +399,81 @@ TEST_F(SignalClientHostForm, ReadingAnObjectFreesAllWhenAnOperationFails)
         EXPECT_GT(
             rh::walkFaults(rh::Faults::anyOperation, kind, [&] { SignalClient(object.get(), 0, u"plant"); }),
             22U);
+    }
+}
+
+/// Reads objects of a host class whose properties take any value.
+class SignalClientFromOddObject : public ClientsTest {
+protected:
+    void SetUp() override
+    {
+        if (!rh::ClassSystem::hasClass("Tests.OddClient")) {
+            rh::ClassSystem::createNamespace("Tests");
+            rh::ClassSystem::contributeClass("Tests", makeOddClass);
+        }
+        rh::describeClass("Tests.OddClient");
+        ClientsTest::SetUp();
+    }
+
+    static ClientValues readWith(const char* name, const rh::OwnedValue& value)
+    {
+        const rh::OwnedValue object = rh::ClassObjects::construct("Tests.OddClient");
+        rh::ClassObjects::setProperty(object.get(), name, value.get());
+        return valuesOf(SignalClient(object.get(), 0, u""));
+    }
+
+private:
+    static std::unique_ptr<nvcos::COSClassInfo> makeOddClass()
+    {
+        std::vector<rh::RecordProperty> properties;
+        for (const std::string& name : expectedFields) {
+            properties.push_back(rh::anyProperty(name));
+            if (name == "UpdateRate_" || name == "DimensionChannel_") {
+                properties.back().makeDefault = [] { return rh::makeDouble(4.0); };
+            } else if (name == "ObserveImaginaryPart_") {
+                properties.back().makeDefault = [] { return rh::makeLogical(true); };
+            }
+        }
+        return rh::makeRecordClass("OddClient", properties);
+    }
+};
+
+TEST_F(SignalClientFromOddObject, AFlagIsTheFirstElementOfALogical)
+{
+    const rh::OwnedValue trueFalse = rh::makeLogicals(rh::Dimensions(1, 2));
+    rh::setElement(trueFalse.get(), 0, 1.0);
+    EXPECT_TRUE(readWith("ObserveImaginaryPart_", trueFalse).observeImaginaryPart);
+    EXPECT_FALSE(readWith("ObserveImaginaryPart_", rh::makeLogical(false)).observeImaginaryPart);
+    EXPECT_FALSE(
+        readWith("ObserveImaginaryPart_", rh::makeLogicals(rh::Dimensions(0, 0))).observeImaginaryPart);
+}
+
+TEST_F(SignalClientFromOddObject, AFlagThatIsNoLogicalIsAHostErrorUnlikeInAStruct)
+{
+    EXPECT_EQ(hostError([] { readWith("ObserveImaginaryPart_", rh::makeDouble(1.0)); }), "WrongClass");
+    EXPECT_TRUE(load(persistedWith("ObserveImaginaryPart_", rh::makeDouble(1.0))).observeImaginaryPart);
+}
+
+TEST_F(SignalClientFromOddObject, NumbersOfAnyClassAreReadAsSigned32BitsAndWidened)
+{
+    EXPECT_EQ(readWith("UpdateRate_", rh::makeDouble(2.9)).updateRate, 2U);
+    EXPECT_EQ(readWith("DimensionChannel_", rh::makeDouble(-1.0)).dimensionChannel,
+              std::numeric_limits<std::uint64_t>::max());
+}
+
+TEST_F(SignalClientFromOddObject, AnEmptyNumberIsAHostError)
+{
+    EXPECT_EQ(hostError([] { readWith("UpdateRate_", rh::makeEmptyValue()); }), "EmptyValue");
+    EXPECT_EQ(hostError([] { readWith("DimensionChannel_", rh::makeEmptyValue()); }), "EmptyValue");
+}
+
+TEST_F(SignalClientFromOddObject, APropertyThatGivesNothingIsAHostErrorUnlikeAMissingField)
+{
+    const rh::OwnedValue object = makeClientObject(distinctClient());
+    for (const std::size_t read : {7U, 8U, 9U}) {  // the two numbers and the flag
+        rh::Faults::arm("nvGetPropertyShared", rh::FaultKind::Null, read);
+        EXPECT_EQ(hostError([&] { SignalClient(object.get(), 0, u""); }), "NullArgument") << read;
+        rh::Faults::disarm();
     }
 }
 
