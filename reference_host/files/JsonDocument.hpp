@@ -28,7 +28,7 @@ ZM_REFHOST_API Json parseJson(std::string_view text, const JsonLimits& limits = 
 ZM_REFHOST_API Json textToJson(std::u16string_view text);
 
 /// A value in a document and its place there. Each reader is strict: another kind of value is a host error
-/// with the place ("/blocks/3/name: text is expected."). Valid as long as the document stands as it is.
+/// with the place ("/blocks/3/name: Expected: text."). Valid as long as the document stands as it is.
 class ZM_REFHOST_API JsonView {
 public:
     /// A value that stands in something larger is given its place there.
@@ -56,7 +56,7 @@ public:
     std::u16string text() const;   ///< in the form of `textToJson`
     std::string byteText() const;  ///< a string, or {"bytes":[...]} where it is no UTF-8
 
-    /// Throws: {1} is expected here.
+    /// Throws: another kind of value is expected here.
     [[noreturn]] void refuse(const char* expected) const;
 
 private:
