@@ -22,6 +22,35 @@ constexpr std::array messages{
     Message{"NotAnArchiveName",
             "{0}: a model is saved as an archive, in a file whose name ends in \".ssp\"."},
     Message{"InvalidFile", "{0}: {1}: {2}"},  // file, entry, reason; the reasons follow
+    // archives
+    Message{"InvalidArchive", "{0}"},     // reason; the reasons follow
+    Message{"InvalidEntry", "{0}: {1}"},  // entry in quotes, reason; the reasons follow
+    Message{"NotAnArchive", "It is not a ZIP archive, or not all of one."},
+    Message{"ArchiveCutShort", "The archive is cut short."},
+    Message{"ArchiveDamaged", "The archive is damaged: {0}."},
+    Message{"ArchiveAmbiguous", "The archive can be read in two ways."},
+    Message{"ArchiveTooLarge", "The archive is larger than {0} bytes."},
+    Message{"UnpackedTooLarge", "The archive unpacks to more than {0} bytes."},
+    Message{"TooManyEntries", "The archive has {0} entries; {1} are accepted."},
+    Message{"BytesBeforeArchive", "Something stands before the first entry of the archive."},
+    Message{"DirectoryMisplaced", "The archive's directory is not where it should be."},
+    Message{"SeveralDisks", "The archive is spread over several files."},
+    Message{"EntryUnnamed", "An entry needs a name."},
+    Message{"EntryNameNotUtf8", "The name is not UTF-8."},
+    Message{"EntryNameCharacter", "The name has a backslash or a NUL character."},
+    Message{"EntryNameNotInside", "The name is not a plain path inside the archive."},
+    Message{"EntryNameAmbiguous", "The archive gives the entry another name, too."},
+    Message{"EntryRepeated", "The archive has two entries of this name."},
+    Message{"EntryBelowFile", "The entry lies below one that is not a folder."},
+    Message{"EntryEncrypted", "The entry is encrypted."},
+    Message{"EntryMethod", "The entry is packed by method {0}; stored (0) and deflated (8) are accepted."},
+    Message{"FolderWithContent", "The entry is a folder and has content."},
+    Message{"EntryLength", "The entry does not unpack to the {0} bytes that it declares."},
+    Message{"EntryDamaged", "The entry is damaged: {0}."},
+    Message{"EntryMissing", "The archive has no such entry."},
+    // writing
+    Message{"UnwritableFile", "{0}: {1}"},  // file, reason
+    Message{"NotARegularFile", "It is not a regular file."},
     // what is kept about a model
     Message{"NewerVersion", "It is of version {0}; versions up to {1} are known here."},
     Message{"LeftOver", "{0}: {1}: {2}."},  // a warning: file, entry, what
