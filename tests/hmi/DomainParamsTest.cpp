@@ -181,11 +181,27 @@ TEST_F(DomainParams, LookingUpComparesWithCase)
 
 TEST_F(DomainParams, SameParametersInAnotherIterationOrderAreUnequal)
 {
-    const auto one = makeSignal({.domainParams = {{u"a", u"1"}, {u"b", u"2"}, {u"c", u"3"}}});
-    const auto other = makeSignal({.domainParams = {{u"c", u"3"}, {u"b", u"2"}, {u"a", u"1"}}});
+    SignalValues values;
+    values.domainParams = {{u"a", u"1"}, {u"b", u"2"}, {u"c", u"3"}, {u"d", u"4"}};
+    const SignalSpecificationPtr one = makeSignal(values);
+    SignalSpecificationPtr other;
+    // The order in which parameters are entered decides; how, is the standard library's own affair.
+    do {
+        other = makeSignal(values);
+    } while (iterated(other->getDomainParams()) == iterated(one->getDomainParams()) &&
+             std::next_permutation(values.domainParams.begin(), values.domainParams.end()));
+    if (iterated(other->getDomainParams()) == iterated(one->getDomainParams())) {
+        GTEST_SKIP() << "this standard library iterates four parameters alike however they were entered";
+    }
     EXPECT_EQ(one->getDomainParams(), other->getDomainParams());
-    EXPECT_EQ(one->isEqual(other.get()),
-              iterated(one->getDomainParams()) == iterated(other->getDomainParams()));
+    EXPECT_FALSE(one->isEqual(other.get()));
+    EXPECT_FALSE(other->isEqual(one.get()));
+}
+
+TEST_F(DomainParams, SameParametersInTheSameIterationOrderAreEqual)
+{
+    const SignalSpecificationPtr one = makeSignal({.domainParams = {{u"a", u"1"}, {u"b", u"2"}}});
+    EXPECT_TRUE(one->isEqual(one.get()));
 }
 
 TEST_F(DomainParams, ADifferentNumberOfParametersIsUnequal)
