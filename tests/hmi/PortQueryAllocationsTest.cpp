@@ -106,5 +106,30 @@ TEST_F(PortQueryAllocations, PortCacheQueryAllocatesNothing)
     EXPECT_EQ(allocationsOf([&] { m_signals.isAnyPortObserved(); }), 0U);
 }
 
+// What the entry costs is the one thing that a query for a known object does without.
+TEST_F(PortQueryAllocations, AQueryForAnyActivityOfAnObjectLeavesAnEmptyEntry)
+{
+    const auto query = [&](double kzid) {
+        return allocationsOf([&] { EXPECT_FALSE(m_signals.isAnyKWActivityObserved(u"7", kzid)); });
+    };
+    query(1.0);  // what is made on first use is there from now on
+    const std::size_t known = query(1.0);
+    EXPECT_EQ(query(1.0), known);
+    EXPECT_GT(query(2.0), known) << "the entry of another object";
+    EXPECT_EQ(query(2.0), known);
+    EXPECT_EQ(query(1.0), known);
+}
+
+TEST_F(PortQueryAllocations, AQueryForOneActivityLeavesNoEntry)
+{
+    const auto query = [&](double kzid) {
+        return allocationsOf([&] { EXPECT_FALSE(m_signals.isKWActivityObserved(u"7", kzid, u"Self")); });
+    };
+    query(1.0);
+    const std::size_t unknown = query(1.0);
+    EXPECT_EQ(query(2.0), unknown);
+    EXPECT_EQ(query(2.0), unknown);
+}
+
 }  // namespace
 }  // namespace zm_hmi
