@@ -83,35 +83,36 @@ InstrumentedSignals::Activities& InstrumentedSignals::activitiesOf(const std::st
     return m_chartObjects[SignalSpecification::getInfoHashFromStringList(std::move(parts))];
 }
 
-void InstrumentedSignals::addToObservedKWObjectCache(SignalSpecificationPtr signal)
+// An activity that has no bit is neither entered nor reported.
+void InstrumentedSignals::setActivityObserved(const SignalSpecification& signal, bool observed)
 {
-    const ChartActivity chart(*signal);
+    const ChartActivity chart(signal);
     const auto bit = m_kwActivityBitMask.find(chart.activity);
     if (bit == m_kwActivityBitMask.end()) {
         return;
     }
     Activities& activities = activitiesOf(chart.zid, chart.kzid);
     if (bit->second >= activityCount) {
-        throw std::out_of_range("bitset set argument out of range");
+        throw std::out_of_range(observed ? "bitset set argument out of range"
+                                         : "bitset reset argument out of range");
     }
     // The map first: setting the bit cannot fail.
-    addToObservedKWActivity(chart.zid, chart.kzid, chart.activity);
-    activities.set(bit->second);
+    if (observed) {
+        addToObservedKWActivity(chart.zid, chart.kzid, chart.activity);
+    } else {
+        removeObservedKWActivity(chart.zid, chart.kzid, chart.activity);
+    }
+    activities.set(bit->second, observed);
+}
+
+void InstrumentedSignals::addToObservedKWObjectCache(SignalSpecificationPtr signal)
+{
+    setActivityObserved(*signal, true);
 }
 
 void InstrumentedSignals::removeFromObservedKWObject(SignalSpecificationPtr signal)
 {
-    const ChartActivity chart(*signal);
-    const auto bit = m_kwActivityBitMask.find(chart.activity);
-    if (bit == m_kwActivityBitMask.end()) {
-        return;
-    }
-    Activities& activities = activitiesOf(chart.zid, chart.kzid);
-    if (bit->second >= activityCount) {
-        throw std::out_of_range("bitset reset argument out of range");
-    }
-    removeObservedKWActivity(chart.zid, chart.kzid, chart.activity);
-    activities.reset(bit->second);
+    setActivityObserved(*signal, false);
 }
 
 void InstrumentedSignals::addToObservedKWActivity(const std::string& zid, const std::string& kzid,

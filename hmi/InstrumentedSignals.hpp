@@ -223,6 +223,7 @@ private:
     void eraseUnderKey(std::size_t key, Matches matches);
     void eraseAt(const std::vector<std::size_t>& indices);
     Activities& activitiesOf(const std::string& zid, const std::string& kzid);
+    void setActivityObserved(const SignalSpecification& signal, bool observed);
 
     std::u16string m_modelName;
     std::vector<SignalSpecificationPtr> m_signals;
