@@ -39,17 +39,24 @@ public:
     {
         bool isLast = false;
         while (!isLast) {
-            void* chunk = XML_GetBuffer(m_parser.get(), chunkSize);
-            if (chunk == nullptr) {
-                zmsvThrowOutOfMemory();
-            }
-            in.read(static_cast<char*>(chunk), chunkSize);
+            in.read(chunk(), chunkSize);
             if (in.bad()) {
                 throw diagramError("UnreadableFile", {m_file, std::string("Reading failed.")});
             }
             const auto count = static_cast<int>(in.gcount());
             isLast = in.eof();
             parse(count, isLast);
+        }
+    }
+
+    void read(std::string_view document)
+    {
+        bool isLast = false;
+        while (!isLast) {
+            const std::size_t count = document.copy(chunk(), chunkSize);
+            document.remove_prefix(count);
+            isLast = document.empty();
+            parse(static_cast<int>(count), isLast);
         }
     }
 
@@ -90,6 +97,15 @@ private:
             m_failureLine = line();
             XML_StopParser(m_parser.get(), XML_FALSE);
         }
+    }
+
+    char* chunk() const
+    {
+        void* buffer = XML_GetBuffer(m_parser.get(), chunkSize);
+        if (buffer == nullptr) {
+            zmsvThrowOutOfMemory();
+        }
+        return static_cast<char*>(buffer);
     }
 
     void enter()
@@ -173,6 +189,11 @@ const char* XmlAttributes::find(std::string_view name) const noexcept
 void readXml(std::istream& in, const std::string& file, const XmlLimits& limits, XmlHandler& handler)
 {
     XmlReading(file, limits, handler).read(in);
+}
+
+void readXml(std::string_view document, const std::string& file, const XmlLimits& limits, XmlHandler& handler)
+{
+    XmlReading(file, limits, handler).read(document);
 }
 
 }  // namespace reference_host

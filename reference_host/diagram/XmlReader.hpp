@@ -61,6 +61,8 @@ struct XmlLimits {
 /// document type, exceeds a limit, or has what the handler refuses with a host error, is a host error
 /// "InvalidDiagram" with file, line and reason. A stream that fails is "UnreadableFile".
 void readXml(std::istream& in, const std::string& file, const XmlLimits& limits, XmlHandler& handler);
+void readXml(std::string_view document, const std::string& file, const XmlLimits& limits,
+             XmlHandler& handler);
 
 }  // namespace reference_host
 

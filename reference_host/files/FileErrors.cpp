@@ -51,6 +51,9 @@ constexpr std::array messages{
     // writing
     Message{"UnwritableFile", "{0}: {1}"},  // file, reason
     Message{"NotARegularFile", "It is not a regular file."},
+    // descriptions
+    Message{"UnwritableName", "The name \"{0}\" holds, at {1}, {2}, which XML cannot hold."},
+    Message{"ForeignDescription", "The model \"{0}\" was not read from this description."},
     // what is kept about a model
     Message{"NewerVersion", "It is of version {0}; versions up to {1} are known here."},
     Message{"LeftOver", "{0}: {1}: {2}."},  // a warning: file, entry, what
