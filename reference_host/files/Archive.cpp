@@ -49,7 +49,8 @@ const char* nameFault(std::string_view name)
     if (name.find('\0') != std::string_view::npos || name.find('\\') != std::string_view::npos) {
         return "EntryNameCharacter";
     }
-    const bool hasDrive = name.size() > 1 && name[1] == ':';
+    const char lower = static_cast<char>(name.front() | 0x20);
+    const bool hasDrive = name.size() > 1 && name[1] == ':' && lower >= 'a' && lower <= 'z';
     if (name.front() == '/' || hasDrive ||
         hasBadComponent(isFolder(name) ? name.substr(0, name.size() - 1) : name)) {
         return "EntryNameNotInside";
