@@ -40,6 +40,7 @@ public:
     void text(std::u16string_view text);   ///< a string, or {"units":[...]} where not `isWellFormed`
     void byteText(std::string_view text);  ///< a string, or {"bytes":[...]} where it is no UTF-8
 
+    /// Of the value that was begun last.
     const JsonPlace& place() const noexcept { return m_place; }
 
     /// The document.

@@ -34,6 +34,7 @@ public:
             case ValueClass::StructObject:
                 return writeStruct(value);
             case ValueClass::ClassObject:
+                m_json.null();  // for the place, which is that of the value written last
                 throw fileError("ObjectInValue", {m_json.place().text(), className(value)});
             default:
                 return writeNumbers(value);
