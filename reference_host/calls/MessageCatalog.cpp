@@ -34,8 +34,10 @@ constexpr CatalogRow initialRows[] = {
     {hostCatalog, "ValueIsLent", "{0}: the value is borrowed by a call that is under way: {1}"},
     {hostCatalog, "ValueIsPersistent", "{0}: the value is persistent already: {1}"},
     {hostCatalog, "ContainsItself", "{0}: the value cannot hold itself: {1}"},
-    {hostCatalog, "NestedTooDeep", "{0}: no value stands more than {1} containers deep, and this one holds as many: {2}"},
+    {hostCatalog, "NestedTooDeep",
+     "{0}: no value stands more than {1} containers deep, and this one holds as many: {2}"},
     {hostCatalog, "FieldIsSet", "{0}: the field \"{1}\" holds a value already: {2}"},
+    {hostCatalog, "OutputGivenTwice", "{0}: {1} gives one value as output {2} and as output {3}: {4}"},
     {hostCatalog, "SlotIsFilled", "{0}: output slot {1} is not null before the call"},
     {hostCatalog, "DiagnosticHasEnded", "{0}: the diagnostic was reported, thrown or discarded before"},
 

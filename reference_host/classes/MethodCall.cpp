@@ -1,11 +1,12 @@
 #include "reference_host/classes/MethodCall.hpp"
 
+#include "reference_host/calls/HostErrors.hpp"
 #include "reference_host/classes/ClassError.hpp"
 #include "reference_host/classes/DescribeClassArguments.hpp"
 #include "reference_host/classes/LibraryCall.hpp"
-
 #include "reference_host/classes/Types.hpp"
 #include "reference_host/classes/ValueConversion.hpp"
+#include "reference_host/values/ValueDescription.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 
 #include <algorithm>
@@ -46,6 +47,21 @@ public:
     {
         nvArray* const* value = std::get_if<nvArray*>(&m_slots.front());
         return value != nullptr && *value == m_object;
+    }
+
+    /// Misuse when one value stands in two slots. It ends once: the second slot no longer has it.
+    void checkGivenOnce(const std::string& method)
+    {
+        for (std::size_t i = 0; i < m_slots.size(); ++i) {
+            nvArray* const* first = std::get_if<nvArray*>(&m_slots[i]);
+            for (std::size_t j = i + 1; first != nullptr && *first != nullptr && j < m_slots.size(); ++j) {
+                if (m_slots[j] == m_slots[i]) {
+                    m_slots[j] = {};
+                    throwMisuse("OutputGivenTwice",
+                                {method, std::uint64_t{i + 1}, std::uint64_t{j + 1}, describe(*first)});
+                }
+            }
+        }
     }
 
     OwnedValue take(std::size_t index)
@@ -175,6 +191,7 @@ void MethodCall::invoke(int outputCount, Outputs& outputs) const
     } else {
         body();
     }
+    outputs.checkGivenOnce(m_name);
     if (outputCount < 0 || static_cast<std::size_t>(outputCount) > outputs.size()) {
         throwClassError("BadOutputCount",
                         m_name + " says that it gives " + std::to_string(outputCount) +

@@ -276,6 +276,32 @@ TEST_F(MethodCallTest, HandingAnInputBackAsOutputIsMisuse)
     expectMisuses(1);
 }
 
+TEST_F(MethodCallTest, GivingOneValueAsTwoOutputsIsMisuseAndTheValueEndsOnce)
+{
+    defineThing({"go", {}, {"any", "any", "any"}, 0, [](Call& now) {
+                     now.outputs[0] = nvCreateDoubleScalar(1.0);
+                     now.outputs[1] = nvCreateDoubleScalar(2.0);
+                     now.outputs[2] = now.outputs[0];
+                     now.outputCount = 3;
+                 }});
+    for (const int wanted : {3, 1, 0}) {
+        EXPECT_EQ(hostError([&] { ClassObjects::callStatic("A.Thing", "go", {}, wanted); },
+                            {"A.Thing.go", "output 1", "output 3"}),
+                  "OutputGivenTwice");
+    }
+    expectMisuses(3);
+}
+
+TEST_F(MethodCallTest, TwoOutputsMayBeNull)
+{
+    defineThing({"go", {}, {"any", "any"}, 0, [](Call& now) {
+                     now.outputs[0] = static_cast<nvArray*>(nullptr);
+                     now.outputs[1] = static_cast<nvArray*>(nullptr);
+                     now.outputCount = 2;
+                 }});
+    EXPECT_EQ(ClassObjects::callStatic("A.Thing", "go", {}, 2).size(), 2U);
+}
+
 // ---- constructors -------------------------------------------------------------------------------
 
 TEST_F(MethodCallTest, TheConstructorFindsTheNewObjectInItsOutput)
