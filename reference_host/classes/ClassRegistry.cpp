@@ -117,17 +117,12 @@ Namespace& ClassRegistry::createNamespace(const std::string& fullName)
 
 void ClassRegistry::contribute(const std::string& namespaceName, ClassSystem::ClassInfoFactory makeInfo)
 {
+    Contribution contribution{namespaceName, std::move(makeInfo)};
     Namespace* home = knownNamespace(namespaceName);
-    m_contributions.push_back({namespaceName, std::move(makeInfo)});
-    if (home == nullptr || !home->isDefined()) {
-        return;
+    if (home != nullptr && home->isDefined()) {
+        addContribution(*home, contribution);
     }
-    try {
-        addContribution(*home, m_contributions.back());
-    } catch (...) {
-        m_contributions.pop_back();
-        throw;
-    }
+    m_contributions.push_back(std::move(contribution));
 }
 
 void ClassRegistry::addContribution(Namespace& home, const Contribution& contribution)
@@ -139,7 +134,10 @@ void ClassRegistry::addContribution(Namespace& home, const Contribution& contrib
 
 void ClassRegistry::addContributionsTo(Namespace& home)
 {
-    for (const Contribution& contribution : m_contributions) {
+    // What makes a class may contribute others: those are added as they come.
+    const std::size_t count = m_contributions.size();
+    for (std::size_t i = 0; i < count; ++i) {
+        const Contribution contribution = m_contributions[i];
         if (contribution.namespaceName == home.fullName()) {
             addContribution(home, contribution);
         }
@@ -148,8 +146,9 @@ void ClassRegistry::addContributionsTo(Namespace& home)
 
 void ClassRegistry::createContributedNamespaces()
 {
-    for (const Contribution& contribution : m_contributions) {
-        createNamespace(contribution.namespaceName);
+    for (std::size_t i = 0; i < m_contributions.size(); ++i) {
+        createNamespace(
+            std::string(m_contributions[i].namespaceName));  // a copy: what is defined may contribute
     }
 }
 

@@ -102,6 +102,19 @@ TEST_F(ClassSystemTest, AClassContributedToADefinedNamespaceIsAddedAtOnce)
     EXPECT_EQ(ClassSystem::classes("A"), Names{"Plain"});
 }
 
+TEST_F(ClassSystemTest, WhatMakesAContributedClassMayContributeMore)
+{
+    ClassSystem::contributeClass("A", [] {
+        for (int i = 0; i < 100; ++i) {
+            const std::string name = "Extra" + std::to_string(i);
+            ClassSystem::contributeClass("A", [name] { return makeRecordClass(name, {}); });
+        }
+        return makePlainClass();
+    });
+    ClassSystem::createContributedNamespaces();
+    EXPECT_EQ(ClassSystem::classes("A").size(), 101U);
+}
+
 TEST_F(ClassSystemTest, AContributionThatIsRefusedIsForgotten)
 {
     ClassSystem::createNamespace("A");
