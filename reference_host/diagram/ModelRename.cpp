@@ -42,7 +42,7 @@ OwnedValue copySignals(const nvArray* signals, const std::u16string& oldName, co
 
 }  // namespace
 
-void renameModelWithObservers(const std::u16string& oldName, const std::u16string& newName)
+void renameModelWithObservers(std::u16string oldName, std::u16string newName)
 {
     const std::shared_ptr<Model> model = OpenModels::find(oldName);
     const OwnedValue observers = model != nullptr ? model->observers() : nullptr;

@@ -55,6 +55,15 @@ TEST_F(ModelRenameTest, EveryObserverIsStillBound)
     EXPECT_EQ(clientUUIDs(), std::vector<std::string>{"gauge"});
 }
 
+TEST_F(ModelRenameTest, TheNamesMayBeTheModelsOwn)
+{
+    renameModelWithObservers(m_model->name(), u"works");
+    EXPECT_EQ(OpenModels::find(u"works"), m_model);
+    EXPECT_EQ(read(m_clients, "Model"), "\"works\"");
+    renameModelWithObservers(m_model->name(), m_model->name());
+    EXPECT_EQ(OpenModels::find(u"works"), m_model);
+}
+
 TEST_F(ModelRenameTest, ToATakenNameChangesNothing)
 {
     OpenModels::add(std::make_shared<Model>(u"works"));
