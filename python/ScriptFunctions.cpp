@@ -25,6 +25,18 @@ namespace {
 
 constexpr const char* catalog = "zmhost:functions";
 
+/// The text of an object, for messages: what UTF-8 cannot hold is escaped. Throws what the object raises.
+std::string messageText(py::handle object)
+{
+    const auto text = py::reinterpret_steal<py::object>(PyObject_Str(object.ptr()));
+    const auto bytes = py::reinterpret_steal<py::bytes>(
+        text ? PyUnicode_AsEncodedString(text.ptr(), "utf-8", "backslashreplace") : nullptr);
+    if (!bytes) {
+        throw py::error_already_set();
+    }
+    return bytes;
+}
+
 zmsvMessageArgument messageArgument(py::handle argument)
 {
     if (PyFloat_Check(argument.ptr())) {
@@ -42,7 +54,7 @@ zmsvMessageArgument messageArgument(py::handle argument)
         }
         PyErr_Clear();
     }
-    return std::string(py::str(argument));
+    return messageText(argument);
 }
 
 /// The host error that a script's `HostError` stands for.
@@ -52,7 +64,7 @@ zmsvMessageId messageIdOf(const py::object& error)
     for (const py::handle argument : error.attr("arguments")) {
         arguments.push_back(messageArgument(argument));
     }
-    return {py::str(error.attr("catalog")), py::str(error.attr("key")), std::move(arguments)};
+    return {messageText(error.attr("catalog")), messageText(error.attr("key")), std::move(arguments)};
 }
 
 [[noreturn]] void interrupt(const std::string& name, const py::object& exception)
@@ -63,22 +75,40 @@ zmsvMessageId messageIdOf(const py::object& error)
     throw zmsvException({catalog, "Interrupted", {name}}, "host function \"" + name + "\" was interrupted");
 }
 
-[[noreturn]] void throwAsHostError(const std::string& name, const py::error_already_set& raised)
+[[noreturn]] void throwScriptError(const std::string& name, const py::object& exception)
 {
-    const py::object& exception = raised.value();
+    const std::string text = messageText(exception);
+    if (py::isinstance(exception, py::module_::import("zmhost._errors").attr("HostError"))) {
+        throw ScriptError(messageIdOf(exception), text, exception);
+    }
+    const std::string type = messageText(py::type::handle_of(exception).attr("__name__"));
+    throw ScriptError({catalog, type, {name, text}},
+                      "host function \"" + name + "\" failed: " + type + ": " + text, exception);
+}
+
+/// What has to be no error of the script's own: short memory, and what is no error at all.
+void passOnWhatIsNoError(const std::string& name, const py::error_already_set& raised)
+{
     if (raised.matches(PyExc_MemoryError)) {
         zmsvThrowOutOfMemory();
     }
     if (!raised.matches(PyExc_Exception)) {
-        interrupt(name, exception);
+        interrupt(name, raised.value());
     }
-    const std::string text = py::str(exception);
-    if (py::isinstance(exception, py::module_::import("zmhost._errors").attr("HostError"))) {
-        throw ScriptError(messageIdOf(exception), text, exception);
+}
+
+[[noreturn]] void throwAsHostError(const std::string& name, const py::error_already_set& raised)
+{
+    passOnWhatIsNoError(name, raised);
+    try {
+        throwScriptError(name, raised.value());
+    } catch (const py::error_already_set& again) {  // an exception may itself raise when it is asked
+        passOnWhatIsNoError(name, again);
+        const std::string type = Py_TYPE(raised.value().ptr())->tp_name;
+        throw ScriptError({catalog, type, {name}},
+                          "host function \"" + name + "\" failed: " + type + ", which has no text",
+                          raised.value());
     }
-    const std::string type = py::str(py::type::handle_of(exception).attr("__name__"));
-    throw ScriptError({catalog, type, {name, text}},
-                      "host function \"" + name + "\" failed: " + type + ": " + text, exception);
 }
 
 void setOutputs(HostFunctionCall& call, const py::object& result)

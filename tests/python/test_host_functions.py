@@ -106,6 +106,56 @@ def test_an_exception_becomes_a_host_error_with_its_cause(define):
     assert isinstance(error.value.__cause__, ZeroDivisionError)
 
 
+def test_an_exception_that_has_no_text_is_a_host_error_all_the_same(define):
+    class Mute(Exception):
+        def __str__(self):
+            raise ValueError("not telling")
+
+    @define("fail")
+    def fail():
+        raise Mute
+
+    with pytest.raises(zmhost.HostError, match='host function "fail" failed: Mute') as error:
+        zmhost.call("fail")
+    assert (error.value.catalog, error.value.key) == ("zmhost:functions", "Mute")
+    assert isinstance(error.value.__cause__, Mute)
+
+
+def test_a_text_that_utf8_cannot_hold_is_escaped(define):
+    @define("fail")
+    def fail():
+        raise ValueError("half \ud800 a character")
+
+    with pytest.raises(zmhost.HostError, match=r"half \\ud800 a character"):
+        zmhost.call("fail")
+
+
+def test_a_host_error_that_was_spoilt_is_a_host_error_all_the_same(define):
+    spoilt = zmhost.HostError("no such thing", "my:catalog", "NoThing")
+    spoilt.arguments = 5
+
+    @define("fail")
+    def fail():
+        raise spoilt
+
+    with pytest.raises(zmhost.HostError) as error:
+        zmhost.call("fail")
+    assert error.value is spoilt
+
+
+def test_ctrl_c_while_an_exception_is_asked_for_its_text_is_kept(define):
+    class Slow(Exception):
+        def __str__(self):
+            raise KeyboardInterrupt
+
+    @define("fail")
+    def fail():
+        raise Slow
+
+    with pytest.raises(KeyboardInterrupt):
+        zmhost.call("fail")
+
+
 def test_a_host_error_keeps_its_id(define):
     mine = zmhost.HostError("no such thing", "my:catalog", "NoThing", (1, -2, 2.5, "x", 2**63))
 
