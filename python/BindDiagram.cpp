@@ -5,9 +5,7 @@
 #include "reference_host/diagram/OpenModels.hpp"
 
 #include <pybind11/stl.h>
-#include <pybind11/stl/filesystem.h>
 
-#include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>
@@ -28,20 +26,6 @@ using reference_host::PortKind;
 using ModelPtr = std::shared_ptr<Model>;
 
 namespace {
-
-/// A warning that Python's filters turn into an error must not leave a model open that nobody has.
-ModelPtr openModel(const std::filesystem::path& file)
-{
-    ModelPtr opened;
-    try {
-        return atEdge([&] { return opened = OpenModels::open(file); });
-    } catch (...) {  // whatever kept the script from getting the model
-        if (opened) {
-            OpenModels::close(opened->name());
-        }
-        throw;
-    }
-}
 
 bool isOpen(const ModelPtr& model)
 {
@@ -296,7 +280,6 @@ void bindDiagram(py::module_& module)
     bindBlock(block);
     bindPort(port);
     bindChart(chart);
-    module.def("open_model", openModel, py::arg("path"), "Opens the diagram in an .ssd file.");
     module.def("models", &OpenModels::all, "The open models by name.");
 }
 

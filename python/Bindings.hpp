@@ -10,6 +10,7 @@ void bindValues(pybind11::module_& module);
 void bindClasses(pybind11::module_& module);
 void bindCalls(pybind11::module_& module);
 void bindDiagram(pybind11::module_& module);
+void bindFiles(pybind11::module_& module);
 void bindEditor(pybind11::module_& module);
 void bindReports(pybind11::module_& module);
 void bindRecorder(pybind11::module_& module);

@@ -62,6 +62,7 @@ PYBIND11_MODULE(_zmhost, module)
     zmhost::bindCalls(module);
     zmhost::bindDiagram(module);
     zmhost::bindEditor(module);
+    zmhost::bindFiles(module);
     zmhost::bindReports(module);
     zmhost::bindRecorder(module);
     module.def("load_library", loadLibrary, py::arg("path"), py::arg("entry_point"));

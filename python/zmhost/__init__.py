@@ -27,12 +27,13 @@ from typing import TYPE_CHECKING, Any, TypeVar
 
 from zmhost import _classes, _library, _zmhost, editor, faults
 from zmhost._classes import HostObject, Namespace, ObjectArray
+from zmhost._files import open_model
 from zmhost._errors import ElementIndexError, HostError, HostWarning
 from zmhost._recording import FileRecording, VariableRecording, replay, workspace
 from zmhost._reports import Journal, Ledger, WarningSink, journal, ledger, log_host_calls
 from zmhost._values import CellArray, Matrix, Struct, StructArray
 from zmhost._zmhost import Block, Chart, ChartObject, Connection, Model, Port, Recording, Value
-from zmhost._zmhost import active_recordings, models, open_model
+from zmhost._zmhost import active_recordings, models
 
 if TYPE_CHECKING:
     Zelmar: Namespace

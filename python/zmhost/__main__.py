@@ -30,7 +30,7 @@ def _parse(arguments: list[str]) -> argparse.Namespace:
         "--log-host-calls", action="store_true", help="write every call across the host's boundary to stderr"
     )
     parser.add_argument("script", nargs="?", help="a Python script")
-    parser.add_argument("arguments", nargs=argparse.REMAINDER, help="its arguments, such as diagrams (.ssd)")
+    parser.add_argument("arguments", nargs=argparse.REMAINDER, help="its arguments, such as models (.ssd, .ssp)")
     return parser.parse_args(arguments)
 
 
@@ -42,8 +42,8 @@ def _print_error(error: BaseException) -> None:
 
 def _run_script(path: str, arguments: list[str]) -> int:
     """Runs the script as the main program; its exit code."""
-    if path.endswith(".ssd"):
-        print(f"zmhost: {path} is a diagram; name the script that is to open it", file=sys.stderr)
+    if path.endswith((".ssd", ".ssp")):
+        print(f"zmhost: {path} is a model; name the script that is to open it", file=sys.stderr)
         return 2
     try:
         with open(path, "rb") as file:

@@ -107,6 +107,9 @@ class Model:
     def undo(self) -> bool: ...
     def redo(self) -> bool: ...
     def draw(self, path: str | os.PathLike[str]) -> None: ...
+    def save(
+        self, path: str | os.PathLike[str], *, progress: Callable[[str, int, int], object] | None = None
+    ) -> None: ...
     @property
     def observers(self) -> Any: ...
     @observers.setter
@@ -204,8 +207,11 @@ class Chart:
     def add_state(self, name: str, parent: int = 0) -> int: ...
     def add_data(self, name: str, parent: int = 0) -> int: ...
 
-def open_model(path: str | os.PathLike[str]) -> Model:
-    """Opens the diagram in an .ssd file."""
+def open_model(path: str | os.PathLike[str], progress: Callable[[str, int, int], object]) -> Model:
+    """Opens an .ssd or .ssp file."""
+
+def save_model(model: Model, path: str | os.PathLike[str], progress: Callable[[str, int, int], object]) -> None:
+    """Saves an open model as an .ssp file."""
 
 def models() -> list[Model]:
     """The open models by name."""

@@ -1,14 +1,9 @@
 #include "reference_host/diagram/OpenModels.hpp"
 
 #include "host/Text.hpp"
-#include "reference_host/calls/Warnings.hpp"
 #include "reference_host/diagram/DiagramErrors.hpp"
-#include "reference_host/diagram/SsdReader.hpp"
 
 #include <algorithm>
-#include <cerrno>
-#include <fstream>
-#include <system_error>
 #include <utility>
 
 namespace reference_host {
@@ -39,33 +34,7 @@ void checkFree(const std::u16string& name)
     }
 }
 
-SsdDocument readFile(const std::filesystem::path& file, const std::string& name)
-{
-    errno = 0;
-    std::ifstream in(file, std::ios::binary);
-    std::error_code error(errno, std::generic_category());
-    if (in && std::filesystem::is_directory(file)) {
-        error = std::make_error_code(std::errc::is_a_directory);
-    } else if (in) {
-        return readSsd(in, name);
-    }
-    throw diagramError("UnreadableFile", {name, error.message()});
-}
-
 }  // namespace
-
-std::shared_ptr<Model> OpenModels::open(const std::filesystem::path& file)
-{
-    const std::string name = toUtf8(toUtf16(file.c_str()));  // well-formed, whatever the file system holds
-    SsdDocument document = readFile(file, name);
-    std::shared_ptr<Model> model = std::move(document.model);
-    add(model);
-    for (const SsdWarning& warning : document.warnings) {
-        const zmsvException shown = diagramError("DanglingConnection", {name, warning.line, warning.reason});
-        Warnings::report({shown.id(), shown.what()});
-    }
-    return model;
-}
 
 void OpenModels::add(std::shared_ptr<Model> model)
 {

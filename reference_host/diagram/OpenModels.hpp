@@ -5,7 +5,6 @@
 #include "reference_host/diagram/Model.hpp"
 
 #include <cstddef>
-#include <filesystem>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -21,13 +20,7 @@ class ZM_REFHOST_API OpenModels {
 public:
     OpenModels() = delete;
 
-    /// Opens the diagram in an `.ssd` file (see `readSsd` for what it takes and refuses). Each
-    /// connection with an end that does not exist becomes a host warning ("DanglingConnection"). A
-    /// file that cannot be read is a host error ("UnreadableFile"), so is a name that is taken
-    /// ("ModelAlreadyOpen"); nothing is open then that was not before.
-    static std::shared_ptr<Model> open(const std::filesystem::path& file);
-
-    /// Opens a model that was made otherwise.
+    /// Opens a model. A name that is taken is a host error ("ModelAlreadyOpen").
     static void add(std::shared_ptr<Model> model);
 
     /// Ends the use of the name. A name that no open model has is a host error ("ModelNotOpen").

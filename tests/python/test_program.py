@@ -118,7 +118,7 @@ def test_a_script_that_is_missing_is_named(run):
 
 def test_a_diagram_in_place_of_the_script_is_told(run):
     result = run("-m", "zmhost", GREENHOUSE)
-    assert result.returncode == 2 and "is a diagram" in result.stderr
+    assert result.returncode == 2 and "is a model" in result.stderr
 
 
 def test_control_c_ends_a_script_as_it_ends_python(script):

@@ -1,6 +1,7 @@
 #include "recorder/Replay.hpp"
 
 #include "reference_host/diagram/OpenModels.hpp"
+#include "reference_host/files/ModelFile.hpp"
 #include "reference_host/values/ValueReading.hpp"
 #include "tests/recorder/RecorderTest.hpp"
 
@@ -91,7 +92,7 @@ TEST_F(ReplayTest, BlockFollowsARename)
 
 TEST_F(ReplayTest, ExampleTableFitsTheExampleDiagram)
 {
-    const auto model = reference_host::OpenModels::open(ZM_EXAMPLES "/greenhouse.ssd");
+    const auto model = reference_host::openModel(ZM_EXAMPLES "/greenhouse.ssd");
     const RecordedTable table = RecordedTable::read(ZM_EXAMPLES "/greenhouse.csv");
     EXPECT_FALSE(table.times().empty());
     std::size_t steps = 0;

@@ -1,3 +1,4 @@
+#include "reference_host/files/ModelFile.hpp"
 #include "tests/reference_host/diagram/DiagramTest.hpp"
 
 #include <algorithm>
@@ -17,7 +18,7 @@ protected:
         DiagramTest::TearDown();
     }
 
-    std::shared_ptr<Model> m_model = OpenModels::open(ZM_EXAMPLES "/greenhouse.ssd");
+    std::shared_ptr<Model> m_model = reference_host::openModel(ZM_EXAMPLES "/greenhouse.ssd");
 };
 
 TEST_F(GreenhouseTest, OpensWithoutAWarning)

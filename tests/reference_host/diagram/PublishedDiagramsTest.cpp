@@ -1,3 +1,4 @@
+#include "reference_host/files/ModelFile.hpp"
 #include "tests/reference_host/diagram/DiagramTest.hpp"
 
 #include <filesystem>
@@ -27,7 +28,7 @@ class PublishedDiagramsTest : public DiagramTest, public testing::WithParamInter
 protected:
     static std::shared_ptr<Model> open()
     {
-        return OpenModels::open(std::filesystem::path(ZM_PUBLISHED_DIAGRAMS) / GetParam().file);
+        return reference_host::openModel(std::filesystem::path(ZM_PUBLISHED_DIAGRAMS) / GetParam().file);
     }
 
     void SetUp() override

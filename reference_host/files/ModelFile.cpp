@@ -1,0 +1,279 @@
+#include "reference_host/files/ModelFile.hpp"
+
+#include "host/Text.hpp"
+#include "reference_host/calls/Warnings.hpp"
+#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/ModelObserversClass.hpp"
+#include "reference_host/diagram/CollectionAccess.hpp"
+#include "reference_host/diagram/DiagramErrors.hpp"
+#include "reference_host/diagram/OpenModels.hpp"
+#include "reference_host/diagram/SignalRecords.hpp"
+#include "reference_host/diagram/SsdReader.hpp"
+#include "reference_host/files/Archive.hpp"
+#include "reference_host/files/AtomicFile.hpp"
+#include "reference_host/files/FileErrors.hpp"
+#include "reference_host/files/ModelSource.hpp"
+#include "reference_host/files/SsdWriter.hpp"
+#include "reference_host/files/ToolData.hpp"
+#include "reference_host/files/ValueJson.hpp"
+#include "reference_host/values/ValueMaking.hpp"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdint>
+#include <fstream>
+#include <optional>
+#include <sstream>
+#include <string>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+namespace reference_host {
+
+namespace {
+
+// The entries of an archive. SSP names the first; the folder is ours, named as SSP wants it of a tool.
+constexpr const char* descriptionEntry = "SystemStructure.ssd";
+constexpr const char* toolDataEntry = "extra/com.zelmar.hmi/model.json";
+constexpr const char* signalsEntry = "extra/com.zelmar.hmi/signals.json";
+constexpr const char* clientsEntry = "extra/com.zelmar.hmi/clients.json";
+
+/// Tells the progress of a known number of steps.
+class Steps {
+public:
+    Steps(const FileProgress& progress, std::size_t total) : m_progress(progress), m_total(total) {}
+
+    void begin(const char* step)
+    {
+        if (m_progress) {
+            m_progress(step, m_done, m_total);
+        }
+        ++m_done;
+    }
+
+private:
+    const FileProgress& m_progress;
+    std::size_t m_done = 0;
+    std::size_t m_total;
+};
+
+/// Well-formed text, whatever the file system holds.
+std::string shown(const std::filesystem::path& file)
+{
+    return toUtf8(toUtf16(file.c_str()));
+}
+
+bool hasExtension(const std::filesystem::path& file, std::string_view wanted)
+{
+    std::string extension = file.extension();
+    std::transform(extension.begin(), extension.end(), extension.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+    return extension == wanted;
+}
+
+/// Puts file and entry in front of whatever a host error says of an entry's contents.
+template <class Work>
+auto inEntry(const std::filesystem::path& file, const char* entry, const Work& work)
+{
+    try {
+        return work();
+    } catch (const zmsvException& reason) {
+        throw fileError("InvalidFile", {shown(file), std::string(entry), std::string(reason.what())});
+    }
+}
+
+// ---- opening ----------------------------------------------------------------------------------------
+
+std::string readFile(const std::filesystem::path& file, std::size_t limit)
+{
+    errno = 0;
+    std::ifstream in(file, std::ios::binary);
+    std::error_code error(errno, std::generic_category());
+    const std::uintmax_t size = in ? std::filesystem::file_size(file, error) : 0;
+    if (!in || error) {
+        throw fileError("UnreadableFile", {shown(file), error.message()});
+    }
+    if (size > limit) {
+        throw fileError("FileTooLarge", {shown(file), std::uint64_t{size}, std::uint64_t{limit}});
+    }
+    std::string bytes(size, '\0');
+    in.read(bytes.data(), static_cast<std::streamsize>(size));
+    if (static_cast<std::uintmax_t>(in.gcount()) != size) {
+        throw fileError("UnreadableFile", {shown(file), std::string("it ended while it was read")});
+    }
+    return bytes;
+}
+
+bool isArchive(const std::filesystem::path& file, const std::string& bytes)
+{
+    return hasExtension(file, ".ssp") || bytes.starts_with("PK\x03\x04");
+}
+
+std::shared_ptr<const ModelSource> readSource(const std::filesystem::path& file)
+{
+    auto source = std::make_shared<ModelSource>();
+    std::string bytes = readFile(file, ArchiveLimits().packedBytes);
+    if (!isArchive(file, bytes)) {
+        source->description = std::move(bytes);
+        return source;
+    }
+    try {
+        source->archive = std::make_unique<Archive>(std::move(bytes));
+    } catch (const zmsvException& reason) {
+        throw fileError("InvalidArchiveFile", {shown(file), std::string(reason.what())});
+    }
+    source->description =
+        inEntry(file, descriptionEntry, [&source] { return source->archive->read(descriptionEntry); });
+    return source;
+}
+
+SsdDocument readDescription(const std::filesystem::path& file, const ModelSource& source)
+{
+    const std::string name = source.archive ? shown(file) + ": " + descriptionEntry : shown(file);
+    std::istringstream in(source.description);
+    return readSsd(in, name);
+}
+
+/// A collection of the class that has loaded the "Persistence" which the archive keeps; null when the
+/// archive keeps none.
+OwnedValue readCollection(const std::filesystem::path& file, const Archive& archive, const char* entry,
+                          const char* className, const std::u16string& modelName)
+{
+    if (!archive.has(entry)) {
+        return nullptr;
+    }
+    return inEntry(file, entry, [&] {
+        const OwnedValue persistence = valueFromJson(archive.read(entry));
+        const OwnedValue name = makeText(modelName);
+        OwnedValue collection = ClassObjects::construct(className, {name.get()});
+        ClassObjects::setProperty(collection.get(), "Persistence", persistence.get());
+        return collection;
+    });
+}
+
+void readObservers(const std::filesystem::path& file, const Archive& archive, Model& model, Steps& steps)
+{
+    steps.begin("instrumented signals");
+    OwnedValue signals = readCollection(file, archive, signalsEntry, signalsClass, model.name());
+    steps.begin("streaming clients");
+    OwnedValue clients = readCollection(file, archive, clientsEntry, clientsClass, model.name());
+    if (signals == nullptr && clients == nullptr) {
+        return;
+    }
+    const OwnedValue none = makeEmptyValue();
+    const ClassObjects::Results observers = ClassObjects::callStatic(
+        modelObserversClass, "createFromSignalsAndClients",
+        {signals ? signals.get() : none.get(), clients ? clients.get() : none.get()});
+    model.setObservers(observers.front().get());
+}
+
+void report(const zmsvException& warning)
+{
+    Warnings::report({warning.id(), warning.what()});
+}
+
+void reportPassedOver(const std::filesystem::path& file, const std::vector<SsdWarning>& inDescription,
+                      const std::vector<std::string>& inToolData)
+{
+    for (const SsdWarning& warning : inDescription) {
+        report(diagramError("DanglingConnection", {shown(file), warning.line, warning.reason}));
+    }
+    for (const std::string& leftOver : inToolData) {
+        report(fileError("LeftOver", {shown(file), std::string(toolDataEntry), leftOver}));
+    }
+}
+
+// ---- saving -----------------------------------------------------------------------------------------
+
+/// The description of the model as it is now. One with edits is read once more: what could not be opened
+/// again must not be saved.
+std::string currentDescription(const Model& model, const ModelSource* source)
+{
+    const std::string former = source != nullptr ? source->description : std::string();
+    std::string current = writeSsd(model, former);
+    if (current != former) {
+        std::istringstream in(current);
+        readSsd(in, descriptionEntry);
+    }
+    return current;
+}
+
+/// What an entry is to hold for a collection; none for no collection.
+std::optional<std::string> persistenceOf(const nvArray* collection)
+{
+    if (collection == nullptr) {
+        return std::nullopt;
+    }
+    return valueToJson(ClassObjects::getProperty(collection, "Persistence").get());
+}
+
+void checkSavable(const Model& model, const std::filesystem::path& file)
+{
+    if (!hasExtension(file, ".ssp")) {
+        throw fileError("NotAnArchiveName", {shown(file)});
+    }
+    if (OpenModels::find(model.name()).get() != &model) {
+        throw diagramError("ModelNotOpen", {toUtf8(model.name())});
+    }
+}
+
+std::vector<ArchiveChange> changesFor(const Model& model, const std::filesystem::path& file, Steps& steps)
+{
+    const ModelSource* source = model.source().get();
+    std::vector<ArchiveChange> changes;
+    const auto add = [&](const char* step, const char* entry, const auto& content) {
+        steps.begin(step);
+        changes.push_back({entry, inEntry(file, entry, content)});
+    };
+    add("diagram", descriptionEntry, [&] { return std::optional(currentDescription(model, source)); });
+    add("tool data", toolDataEntry, [&] { return std::optional(toolDataOf(model)); });
+    add("instrumented signals", signalsEntry, [&] { return persistenceOf(modelSignals(model).get()); });
+    add("streaming clients", clientsEntry, [&] { return persistenceOf(modelClients(model).get()); });
+    return changes;
+}
+
+}  // namespace
+
+std::shared_ptr<Model> openModel(const std::filesystem::path& file, const FileProgress& progress)
+{
+    Steps steps(progress, 5);
+    steps.begin("file");
+    const std::shared_ptr<const ModelSource> source = readSource(file);
+    steps.begin("diagram");
+    SsdDocument document = readDescription(file, *source);
+    const std::shared_ptr<Model> model = std::move(document.model);
+    model->setSource(source);
+    steps.begin("tool data");
+    std::vector<std::string> leftOver;
+    if (source->archive != nullptr && source->archive->has(toolDataEntry)) {
+        leftOver = inEntry(file, toolDataEntry,
+                           [&] { return applyToolData(*model, source->archive->read(toolDataEntry)); });
+    }
+    OpenModels::add(model);
+    try {
+        if (source->archive != nullptr) {
+            readObservers(file, *source->archive, *model, steps);
+        }
+    } catch (...) {  // whatever it is, a half-open model is worse
+        OpenModels::close(model->name());
+        throw;
+    }
+    reportPassedOver(file, document.warnings, leftOver);
+    return model;
+}
+
+void saveModel(const Model& model, const std::filesystem::path& file, const FileProgress& progress)
+{
+    checkSavable(model, file);
+    Steps steps(progress, 6);
+    std::vector<ArchiveChange> changes = changesFor(model, file, steps);
+    steps.begin("archive");
+    const ModelSource* source = model.source().get();
+    const std::string bytes = Archive::pack(source != nullptr ? source->archive.get() : nullptr, changes);
+    changes.clear();
+    steps.begin("file");
+    writeFileAtomically(file, bytes);
+}
+
+}  // namespace reference_host

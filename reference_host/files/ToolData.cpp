@@ -1,0 +1,277 @@
+#include "reference_host/files/ToolData.hpp"
+
+#include "host/Text.hpp"
+#include "reference_host/files/FileErrors.hpp"
+#include "reference_host/files/JsonDocument.hpp"
+#include "reference_host/files/JsonWriter.hpp"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <unordered_map>
+#include <utility>
+
+namespace reference_host {
+
+namespace {
+
+constexpr const char* formName = "com.zelmar.hmi.model";
+constexpr const char* stateKind = "state";
+constexpr const char* dataKind = "data";
+
+// ---- writing ----------------------------------------------------------------------------------------
+
+void writeText(JsonWriter& json, const char* member, const std::u16string& text)
+{
+    json.member(member);
+    json.text(text);
+}
+
+void writeNumber(JsonWriter& json, const char* member, std::uint64_t number)
+{
+    json.member(member);
+    json.unsignedInteger(number);
+}
+
+void writeOutputs(JsonWriter& json, const std::vector<Port>& ports)
+{
+    if (ports.empty()) {
+        return;
+    }
+    json.member("outputs");
+    json.beginArray();
+    for (const Port& port : ports) {
+        json.text(port.name);
+    }
+    json.endArray();
+}
+
+void writeParameters(JsonWriter& json, const Block& block)
+{
+    if (block.parameters().empty()) {
+        return;
+    }
+    json.member("parameters");
+    json.beginArray();
+    for (const auto& [name, value] : block.parameters()) {
+        json.beginObject();
+        writeText(json, "name", name);
+        writeText(json, "value", value);
+        json.endObject();
+    }
+    json.endArray();
+}
+
+void writeChart(JsonWriter& json, const Chart* chart)
+{
+    if (chart == nullptr) {
+        return;
+    }
+    json.member("chart");
+    json.beginObject();
+    writeText(json, "name", chart->name());
+    json.member("objects");
+    json.beginArray();
+    for (const ChartObject& object : chart->objects()) {
+        if (object.kind != ChartObjectKind::Chart) {
+            json.beginObject();
+            json.member("kind");
+            json.string(object.kind == ChartObjectKind::State ? stateKind : dataKind);
+            writeText(json, "name", object.name);
+            writeNumber(json, "parent", object.parent);
+            json.endObject();
+        }
+    }
+    json.endArray();
+    json.endObject();
+}
+
+void writeBlocks(JsonWriter& json, const Block& system)
+{
+    json.member("blocks");
+    json.beginArray();
+    for (const auto& block : system.children()) {
+        json.beginObject();
+        writeText(json, "name", block->name());
+        writeNumber(json, "number", block->number());
+        writeOutputs(json, block->ports(PortKind::Output));
+        writeParameters(json, *block);
+        writeChart(json, block->chart());
+        if (!block->children().empty()) {
+            writeBlocks(json, *block);
+        }
+        json.endObject();
+    }
+    json.endArray();
+}
+
+// ---- reading ----------------------------------------------------------------------------------------
+
+std::uint32_t numberIn(const JsonView& value)
+{
+    const std::uint64_t number = value.unsignedInteger();
+    // One is left, so that a further block can be given a number.
+    if (number >= std::numeric_limits<std::uint32_t>::max()) {
+        value.refuse("a smaller number");
+    }
+    return static_cast<std::uint32_t>(number);
+}
+
+template <class Visit>
+void forEach(const JsonView& array, const Visit& visit)
+{
+    const std::size_t count = array.count();
+    for (std::size_t i = 0; i < count; ++i) {
+        visit(array.element(i));
+    }
+}
+
+/// Gives a model what was kept of it, system by system.
+class ToolDataReader {
+public:
+    explicit ToolDataReader(Model& model) : m_model(model) {}
+
+    void read(const JsonView& document)
+    {
+        checkForm(document);
+        document.requireOnly({"format", "version", "lastNumber", "blocks"});
+        m_lastNumber = numberIn(document.member("lastNumber"));
+        readBlocks(document.member("blocks"), m_model.root());
+        numberBlocks();
+    }
+
+    std::vector<std::string> takeLeftOver() noexcept { return std::move(m_leftOver); }
+
+private:
+    static void checkForm(const JsonView& document)
+    {
+        const JsonView form = document.member("format");
+        if (form.string() != formName) {
+            form.refuse(formName);
+        }
+        const std::uint64_t version = document.member("version").unsignedInteger();
+        if (version > toolDataVersion) {
+            throw fileError("NewerVersion", {version, std::uint64_t{toolDataVersion}});
+        }
+        if (version == 0) {
+            document.member("version").refuse("a version from 1");
+        }
+    }
+
+    void readBlocks(const JsonView& blocks, Block& system)
+    {
+        forEach(blocks, [this, &system](const JsonView& kept) {
+            const std::u16string name = kept.member("name").text();
+            if (Block* block = system.child(name)) {
+                readBlock(kept, *block);
+            } else {
+                m_leftOver.push_back("\"" + toUtf8(system.path() + u"/" + name) + "\" is no longer there");
+            }
+        });
+    }
+
+    void readBlock(const JsonView& kept, Block& block)
+    {
+        kept.requireOnly({"name", "number", "outputs", "parameters", "chart", "blocks"});
+        if (!m_numbers.emplace(&block, numberIn(kept.member("number"))).second) {
+            kept.member("name").refuse("a name that no block before has");
+        }
+        if (const auto outputs = kept.find("outputs")) {
+            orderOutputs(*outputs, block);
+        }
+        if (const auto parameters = kept.find("parameters")) {
+            forEach(*parameters, [&block](const JsonView& parameter) {
+                parameter.requireOnly({"name", "value"});
+                block.setParameter(parameter.member("name").text(), parameter.member("value").text());
+            });
+        }
+        if (const auto chart = kept.find("chart")) {
+            readChart(*chart, block);
+        }
+        if (const auto blocks = kept.find("blocks")) {
+            readBlocks(*blocks, block);
+        }
+    }
+
+    /// Puts the ports in the order that was kept; those that are new follow. Where all names are as they
+    /// were, nothing is to be done.
+    void orderOutputs(const JsonView& outputs, Block& block)
+    {
+        std::vector<Port> ports = block.ports(PortKind::Output);
+        std::size_t placed = 0;
+        forEach(outputs, [&](const JsonView& kept) {
+            const std::u16string name = kept.text();
+            const auto from = ports.begin() + static_cast<std::ptrdiff_t>(placed);
+            const auto found =
+                std::find_if(from, ports.end(), [&name](const Port& port) { return port.name == name; });
+            if (found == ports.end()) {
+                m_leftOver.push_back("output port \"" + toUtf8(name) + "\" of \"" + toUtf8(block.path()) +
+                                     "\" is no longer there");
+                return;
+            }
+            std::rotate(from, found, found + 1);
+            ++placed;
+        });
+        block.setPorts(PortKind::Output, std::move(ports));
+    }
+
+    static void readChart(const JsonView& kept, Block& block)
+    {
+        kept.requireOnly({"name", "objects"});
+        Chart& chart = block.addChart(kept.member("name").text());
+        forEach(kept.member("objects"), [&chart](const JsonView& object) {
+            object.requireOnly({"kind", "name", "parent"});
+            const JsonView kind = object.member("kind");
+            const std::uint32_t parent = numberIn(object.member("parent"));
+            if (kind.string() == stateKind) {
+                chart.addState(object.member("name").text(), parent);
+            } else if (kind.string() == dataKind) {
+                chart.addData(object.member("name").text(), parent);
+            } else {
+                kind.refuse("\"state\" or \"data\"");
+            }
+        });
+    }
+
+    void numberBlocks()
+    {
+        std::vector<std::uint32_t> numbers;
+        numbers.reserve(m_model.blockCount());
+        for (const Block* block : m_model.blocks()) {
+            const auto kept = m_numbers.find(block);
+            numbers.push_back(kept != m_numbers.end() ? kept->second : ++m_lastNumber);
+        }
+        m_model.setNumbers(numbers, m_lastNumber);
+    }
+
+    Model& m_model;
+    std::uint32_t m_lastNumber = 0;
+    std::unordered_map<const Block*, std::uint32_t> m_numbers;
+    std::vector<std::string> m_leftOver;
+};
+
+}  // namespace
+
+std::string toolDataOf(const Model& model)
+{
+    JsonWriter json;
+    json.beginObject();
+    json.member("format");
+    json.string(formName);
+    writeNumber(json, "version", toolDataVersion);
+    writeNumber(json, "lastNumber", model.lastNumber());
+    writeBlocks(json, model.root());
+    json.endObject();
+    return json.take();
+}
+
+std::vector<std::string> applyToolData(Model& model, std::string_view json)
+{
+    const Json document = parseJson(json);
+    ToolDataReader reader(model);
+    reader.read(JsonView(document));
+    return reader.takeLeftOver();
+}
+
+}  // namespace reference_host
