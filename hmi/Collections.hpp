@@ -1,12 +1,11 @@
 #ifndef ZM_HMI_COLLECTIONS_HPP
 #define ZM_HMI_COLLECTIONS_HPP
 
+#include "hmi_foundation/HostErrors.hpp"
 #include "host/ClassObjects.hpp"
 #include "host/HostCall.hpp"
 
 #include <cstddef>
-#include <stdexcept>
-#include <string>
 #include <utility>
 
 /// What the two collections do alike with host values.
@@ -38,7 +37,7 @@ std::pair<OwnedArray, Collection*> newHostObject(const char* hostClass)
     Collection* collection =
         isValidType(object.get(), hostClass) ? nativeCollection<Collection>(object.get()) : nullptr;
     if (collection == nullptr) {
-        throw std::runtime_error(std::string("the host made an object without a collection: ") + hostClass);
+        zm_hmi_foundation::throwNoCollection();
     }
     return {std::move(object), collection};
 }

@@ -11,7 +11,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <utility>
 
@@ -20,13 +19,13 @@
 /// collection has. `Collection` is the native class behind the host class.
 namespace zm_hmi_foundation {
 
-/// The collection behind an input of the class's own type.
+/// The collection behind an input of the class's own type; "NoCollection" where there is none.
 template <class Collection>
 Collection& collectionOf(const nvcos::COSValue& object)
 {
     Collection* collection = Collection::getFromNVArray(std::get<nvArray*>(object));
     if (collection == nullptr) {
-        throw std::runtime_error("the object has no collection behind it");
+        throwNoCollection();
     }
     return *collection;
 }

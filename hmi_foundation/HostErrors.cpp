@@ -30,6 +30,11 @@ void throwInvalidElementIndex(std::size_t elementCount)
     throwHostError(zmsvMessageId(errorCatalog, "InvalidElementIndex", {std::uint64_t{elementCount}}));
 }
 
+void throwNoCollection()
+{
+    throwHostError(zmsvMessageId(errorCatalog, "NoCollection"));
+}
+
 std::size_t toZeroBasedIndex(std::size_t scriptIndex, std::size_t elementCount)
 {
     if (scriptIndex == 0) {

@@ -17,6 +17,9 @@ inline constexpr const char* errorCatalog = "dvx_hmi_foundation:errors";
 /// the upper bound of what would have been valid; the index that was asked for is not passed.
 [[noreturn]] void throwInvalidElementIndex(std::size_t elementCount);
 
+/// Throws "NoCollection": an object of one of the host classes has no native collection behind it.
+[[noreturn]] void throwNoCollection();
+
 /// Converts an index of a script (1-based) into one of a collection (0-based). 0 throws
 /// "InvalidElementIndex"; an index past the end is left to the collection, which throws the same.
 std::size_t toZeroBasedIndex(std::size_t scriptIndex, std::size_t elementCount);

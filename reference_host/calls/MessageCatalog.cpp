@@ -25,6 +25,7 @@ struct CatalogRow {
 
 constexpr CatalogRow initialRows[] = {
     {libraryCatalog, "InvalidElementIndex", "The index is not that of an element; there are {0} elements."},
+    {libraryCatalog, "NoCollection", "The object has no collection behind it."},
     {libraryCatalog, "SignalObserversSetParamInvalidType",
      "The observers parameter must be an object of class Zelmar.HMI.ModelObservers."},
     {libraryCatalog, "SignalObserversSetParamNonScalar", "The observers parameter must be a single value."},

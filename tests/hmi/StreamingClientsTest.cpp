@@ -12,7 +12,6 @@
 #include <gtest/gtest.h>
 #include <boost/weak_ptr.hpp>
 
-#include <stdexcept>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -397,7 +396,7 @@ TEST_F(StreamingClientsTest, ACopyFailsWhenTheHostMakesNoObject)
 TEST_F(StreamingClientsTest, ACopyIntoAnObjectWithoutACollectionIsAnError)
 {
     const rh::ScopedHostFunction odd(clientsClass, giveNothing);
-    EXPECT_THROW(m_clients.copy(), std::runtime_error);
+    EXPECT_EQ(hostError([&] { m_clients.copy(); }), "NoCollection");
 }
 
 TEST_F(StreamingClientsTest, ACopyIntoItselfKeepsTheClients)

@@ -8,8 +8,6 @@
 
 #include <gtest/gtest.h>
 
-#include <stdexcept>
-
 namespace zm_hmi_foundation {
 namespace {
 
@@ -28,9 +26,15 @@ TEST_F(CollectionBinding, AnObjectLeadsToItsCollection)
 TEST_F(CollectionBinding, AnObjectWithoutACollectionIsAnErrorNotACrash)
 {
     const rh::OwnedValue empty = rh::makeEmptyValue();
-    EXPECT_THROW(collectionOf<InstrumentedSignals>(nvcos::COSValue(empty.get())), std::runtime_error);
-    EXPECT_THROW(collectionOf<InstrumentedSignals>(nvcos::COSValue(static_cast<nvArray*>(nullptr))),
-                 std::runtime_error);
+    for (nvArray* const object : {empty.get(), static_cast<nvArray*>(nullptr)}) {
+        try {
+            collectionOf<InstrumentedSignals>(nvcos::COSValue(object));
+            ADD_FAILURE() << "no error";
+        } catch (const zmsvException& error) {
+            EXPECT_EQ(error.id().catalog(), errorCatalog);
+            EXPECT_EQ(error.id().key(), "NoCollection");
+        }
+    }
 }
 
 TEST_F(CollectionBinding, AnIndexIsCheckedAgainstTheCollectionOnlyForZero)

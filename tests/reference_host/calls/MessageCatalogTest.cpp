@@ -15,6 +15,8 @@ TEST(MessageCatalog, HasTheLibrarysMessages)
 {
     EXPECT_EQ(MessageCatalog::text({libraryCatalog, "InvalidElementIndex", {std::uint64_t{3}}}),
               "The index is not that of an element; there are 3 elements.");
+    EXPECT_EQ(MessageCatalog::text({libraryCatalog, "NoCollection"}),
+              "The object has no collection behind it.");
     EXPECT_EQ(MessageCatalog::text({libraryCatalog, "SignalObserversSetParamInvalidType"}),
               "The observers parameter must be an object of class Zelmar.HMI.ModelObservers.");
     EXPECT_EQ(MessageCatalog::text({libraryCatalog, "SignalObserversSetParamNonScalar"}),
