@@ -1,4 +1,4 @@
-"""First light: instruments a diagram, asks what is observed, saves, and loads again without a loss.
+"""First light: instruments a diagram, asks what is observed, saves to a file, and loads again without a loss.
 
     ./dev run [diagram.ssd ...]
 
@@ -19,6 +19,9 @@ from typing import Any
 
 import zmhost
 from zmhost import Zelmar
+
+from dashboard import bound, observe, show_dashboard
+from recording import show_recording
 
 BUNDLED = Path(__file__).with_name("greenhouse.ssd")
 CHART_BLOCK = "Klima/Betriebsart"  # where the bundled diagram wants its chart
@@ -102,9 +105,9 @@ def show_diagram(model: zmhost.Model, file: Path) -> None:
 
 
 def add_chart(model: zmhost.Model) -> zmhost.Chart | None:
-    """SSP knows no charts, so the script brings one, for a block to carry."""
-    if len(model) == 0:
-        return None
+    """SSP knows no charts, so the script brings one where a file has brought none, for a block to carry."""
+    if len(model) == 0 or model.charts:
+        return next(iter(model.charts), None)
     block = model[CHART_BLOCK] if CHART_BLOCK in model else model.blocks[0]
     chart = block.add_chart("Mode")
     automatic = chart.add_state("Automatic")
@@ -245,8 +248,12 @@ def compare(saved: zmhost.StructArray, loaded: zmhost.StructArray, asked: Answer
     return True
 
 
-def show_rename(signals: Any, model: zmhost.Model) -> None:
-    """A signal knows its block by ZID, so that the saved path follows the diagram."""
+# ---- kept in a file -----------------------------------------------------------------------------
+
+
+def show_rename(model: zmhost.Model) -> None:
+    """A signal knows its block by ZID, so that it follows the diagram."""
+    signals = model.observers.Signals
     if signals.Count == 0:
         return
     block = model.find_by_zid(signals.get(1).ZID_)
@@ -258,18 +265,34 @@ def show_rename(signals: Any, model: zmhost.Model) -> None:
     print(f"and the first signal is saved with the path {signals.Persistence[0]['BlockPath_']}.")
 
 
-def show_picture(signals: Any, model: zmhost.Model, file: Path) -> None:
-    """The diagram with its badges, and a widget on the first signal."""
-    clients = Zelmar.HMI.StreamingClients(model.name)
-    if signals.Count > 0:
-        clients.add(Zelmar.HMI.SignalClient(SignalUUID_=signals.getUUID(1)))
-    model.observers = zmhost.call(
-        "Zelmar.HMI.ModelObservers.createFromSignalsAndClients", signals, clients
-    )
-    picture = Path(tempfile.gettempdir()) / f"{file.stem}.svg"
-    model.draw(picture)
-    heading("A picture")
-    print(f"The diagram, with what is observed, is drawn in {picture}.")
+def observed_state(model: zmhost.Model) -> list[Any]:
+    """Everything that is to come back from a file: both collections' records, and the answers to every question."""
+    observers = model.observers
+    chart = next(iter(model.charts), None)
+    ports, charts = ask(observers.Signals, model, chart)
+    records = [plain(record) for record in (*observers.Signals.Persistence, *observers.Clients.Persistence)]
+    return [*records, *bound(observers.Clients), *ports, *charts]
+
+
+def show_file(model: zmhost.Model, saved: Path) -> bool:
+    """Saves the model, opens the file in its place, and compares; true when something was lost."""
+    heading("Saved to a file, and opened again")
+    before = observed_state(model)
+    blocks = len(model)
+    model.save(saved)
+    model.close()
+    with zmhost.open_model(saved) as again:
+        after = observed_state(again)
+        signals, clients = again.observers.Signals.Count, again.observers.Clients.Count
+    lost = differences(before, after)
+    print(f"{saved} has {saved.stat().st_size:,} bytes.")
+    if len(before) == len(after) and len(again) == blocks and not lost:
+        print(f"{count(blocks, 'block')}, {count(signals, 'signal')} and {count(clients, 'client')} came back from it;")
+        print("every widget is bound and every answer is the same. Nothing was lost.")
+        return False
+    print("What differs:")
+    print("\n".join(lost[:FIRST]))
+    return True
 
 
 def tour(file: Path) -> bool:
@@ -287,13 +310,18 @@ def tour(file: Path) -> bool:
         fresh.Persistence = saved
         loss = compare(saved, fresh.Persistence, answers, ask(fresh, model, chart))
         if file == BUNDLED:  # the one that has a table beside it
-            from recording import show_recording
-
             heading("Recorded while a table is replayed")
             show_recording(model, file.with_suffix(".csv"), show_table)
-        show_rename(fresh, model)
-        show_picture(fresh, model, file)
-        return loss
+        observe(model, fresh)
+        with zmhost.editor.Editor(model):  # follows what becomes of the diagram
+            show_rename(model)
+            heading("A dashboard")
+            show_dashboard(model, show_table)
+        left_behind = Path(tempfile.gettempdir()) / file.stem
+        heading("A picture")
+        model.draw(left_behind.with_suffix(".svg"))
+        print(f"The diagram, with what is observed, is drawn in {left_behind}.svg.")
+        return show_file(model, left_behind.with_suffix(".ssp")) or loss
 
 
 def main(files: list[Path]) -> int:
