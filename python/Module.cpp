@@ -4,6 +4,7 @@
 #include "python/ValueHandle.hpp"
 #include "reference_host/calls/Ledger.hpp"
 #include "reference_host/classes/ClassSystem.hpp"
+#include "reference_host/classes/RecordClass.hpp"
 #include "reference_host/diagram/AlignedBlockPath.hpp"
 #include "reference_host/diagram/OpenModels.hpp"
 
@@ -29,11 +30,12 @@ void loadLibrary(const std::string& path, const std::string& entryPoint)
     zmhost::atEdge([&] { reinterpret_cast<void (*)()>(entry)(); });
 }
 
-/// Ends the registered classes. Instances that native code has left open keep them from it; the ledger
-/// then lists both.
+/// Ends objects that scripts have tied into rings, then the registered classes. Instances that native code
+/// has left open keep them from it; the ledger then lists both.
 void endClasses() noexcept
 {
     try {
+        reference_host::endRecordValues();
         reference_host::ClassSystem::reset();
     } catch (const std::exception&) {
         return;

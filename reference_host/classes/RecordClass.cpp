@@ -13,6 +13,7 @@
 #include "reference_host/values/ValueReading.hpp"
 
 #include <algorithm>
+#include <unordered_set>
 #include <utility>
 
 namespace reference_host {
@@ -24,6 +25,13 @@ using nvcos::COSInterfacePtr;
 using nvcos::COSPropAccess;
 using nvcos::COSValue;
 using Properties = std::shared_ptr<const std::vector<RecordProperty>>;
+
+/// The values of all objects. Never destroyed: objects end while the process goes down.
+std::unordered_set<OwnedValue*>& records()
+{
+    static auto& instance = *new std::unordered_set<OwnedValue*>;
+    return instance;
+}
 
 /// The values of one object, in a struct with one field a property.
 nvArray* valuesOf(const COSInterface* instance)
@@ -196,12 +204,15 @@ public:
             }
         }
         Ledger::declareMeantToLive(values->get());  // lives and is counted with its instance
+        records().insert(values.get());
         return values.release();
     }
 
     void deallocateInstance(COSInterface* /*instance*/, void* data) override
     {
-        delete static_cast<OwnedValue*>(data);
+        auto* values = static_cast<OwnedValue*>(data);
+        records().erase(values);
+        delete values;
     }
 
 private:
@@ -215,6 +226,16 @@ std::unique_ptr<nvcos::COSClassInfo> makeRecordClass(std::string simpleName,
                                                      std::vector<RecordProperty> properties)
 {
     return std::make_unique<RecordClassInfo>(std::move(simpleName), std::move(properties));
+}
+
+void endRecordValues()
+{
+    // Taken all before the first one ends, for that may end other objects.
+    std::vector<OwnedValue> all;
+    all.reserve(records().size());
+    for (OwnedValue* values : records()) {
+        all.push_back(std::move(*values));
+    }
 }
 
 RecordProperty textProperty(std::string name)

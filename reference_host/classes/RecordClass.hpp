@@ -34,6 +34,11 @@ struct RecordProperty {
 ZM_REFHOST_API std::unique_ptr<nvcos::COSClassInfo> makeRecordClass(std::string simpleName,
                                                                     std::vector<RecordProperty> properties);
 
+/// Ends the property values of all objects of such classes, for the end of a program: objects that hold each
+/// other through their properties never end by themselves. An object that lives on has no values then.
+/// REQUIRES: no call is under way.
+ZM_REFHOST_API void endRecordValues();
+
 /// A property with the usual default: empty text, the number, the flag, the empty value.
 ZM_REFHOST_API RecordProperty textProperty(std::string name);
 ZM_REFHOST_API RecordProperty numberProperty(std::string name, double value = 0.0);

@@ -71,6 +71,22 @@ def test_what_globals_still_hold_is_no_leak(run, script, runner):
 
 
 @pytest.mark.parametrize("runner", [("-m", "zmhost"), ()])
+def test_objects_that_hold_each_other_are_no_leak(run, script, runner):
+    file = script(
+        """
+        from zmhost import Zelmar
+        one, other = Zelmar.HMI.SignalClient(), Zelmar.HMI.SignalClient()
+        one.ObserverParams_ = {"held": [other]}
+        other.ObserverParams_ = {"held": one}
+        alone = Zelmar.HMI.SignalClient()
+        alone.ObserverParams_ = alone
+        """
+    )
+    result = run(*runner, file)
+    assert (result.returncode, result.stderr) == (0, "")
+
+
+@pytest.mark.parametrize("runner", [("-m", "zmhost"), ()])
 def test_a_value_that_native_code_leaves_open_fails_the_program(run, script, runner):
     result = run(*runner, script(LEAK))
     assert result.returncode == 3

@@ -51,6 +51,32 @@ protected:
     }
 };
 
+TEST_F(RecordClassTest, ObjectsThatHoldEachOtherEndWithTheValuesOfAll)
+{
+    ClassSystem::contributeClass("A", [] { return makeRecordClass("Link", {anyProperty("Next")}); });
+    const std::int64_t before = Ledger::counter("class instances").undeclared();
+    {
+        const OwnedValue one = ClassObjects::construct("A.Link");
+        const OwnedValue other = ClassObjects::construct("A.Link");
+        const OwnedValue inCell = makeCells({1, 1});
+        setCell(inCell.get(), 0, copyShared(one.get()));
+        ClassObjects::setProperty(one.get(), "Next", other.get());
+        ClassObjects::setProperty(other.get(), "Next", inCell.get());
+    }
+    EXPECT_EQ(Ledger::counter("class instances").undeclared(), before + 2);
+    endRecordValues();
+    EXPECT_EQ(Ledger::counter("class instances").undeclared(), before);
+}
+
+TEST_F(RecordClassTest, AnObjectWhoseValuesHaveEndedReadsAsEmptyAndTakesNone)
+{
+    const OwnedValue card = makeCard();
+    endRecordValues();
+    EXPECT_EQ(read(card, "Even"), "0x0 double");
+    EXPECT_EQ(hostError([&] { ClassObjects::setProperty(card.get(), "Name", makeText(u"x").get()); }, {}),
+              "NullArgument");
+}
+
 TEST_F(RecordClassTest, ANewObjectHasTheDefaults)
 {
     const OwnedValue card = makeCard();
