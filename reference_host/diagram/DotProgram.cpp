@@ -8,7 +8,8 @@
 
 #include <array>
 #include <cerrno>
-#include <fstream>
+#include <cstdio>
+#include <memory>
 #include <system_error>
 
 extern char** environ;  // NOLINT(readability-redundant-declaration): POSIX leaves it to the program
@@ -22,8 +23,22 @@ namespace {
     throw diagramError("DrawingFailed", {file.string(), reason});
 }
 
-/// Runs the program to its end; its exit code.
-int run(const std::filesystem::path& file, std::vector<std::string> words)
+/// A file without a name, which is gone when it is closed.
+using NamelessFile = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
+
+NamelessFile write(const std::filesystem::path& file, const std::string& text)
+{
+    NamelessFile out(std::tmpfile(), std::fclose);
+    if (out == nullptr || std::fwrite(text.data(), 1, text.size(), out.get()) != text.size() ||
+        std::fflush(out.get()) != 0) {
+        refuse(file, "The drawing cannot be written down (" + std::generic_category().message(errno) + ").");
+    }
+    std::rewind(out.get());
+    return out;
+}
+
+/// Runs the program to its end on an input; its exit code.
+int run(const std::filesystem::path& file, std::vector<std::string> words, std::FILE* input)
 {
     std::vector<char*> arguments;
     arguments.reserve(words.size() + 1);
@@ -31,8 +46,14 @@ int run(const std::filesystem::path& file, std::vector<std::string> words)
         arguments.push_back(word.data());
     }
     arguments.push_back(nullptr);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    int error = posix_spawn_file_actions_adddup2(&actions, fileno(input), STDIN_FILENO);
     pid_t process = 0;
-    const int error = posix_spawnp(&process, arguments[0], nullptr, nullptr, arguments.data(), environ);
+    if (error == 0) {
+        error = posix_spawnp(&process, arguments[0], &actions, nullptr, arguments.data(), environ);
+    }
+    posix_spawn_file_actions_destroy(&actions);
     if (error != 0) {
         refuse(file, "Graphviz's program \"dot\" could not be started (" +
                          std::generic_category().message(error) + ").");
@@ -54,22 +75,11 @@ void drawDiagram(const Model& model, const std::filesystem::path& file)
     if (extension.size() < 2) {
         refuse(file, "The file's extension says what format to draw in, such as \".svg\".");
     }
-    const std::filesystem::path source = file.string() + ".dot";
-    {
-        std::ofstream out(source, std::ios::binary);
-        out << diagramAsDot(model);
-        if (!out.flush()) {
-            refuse(file, "The file cannot be written.");
-        }
-    }
-    int exitCode = 0;
-    try {
-        exitCode = run(file, {"dot", "-T" + extension.substr(1), "-o", file.string(), source.string()});
-    } catch (...) {
-        std::filesystem::remove(source);
-        throw;
-    }
-    std::filesystem::remove(source);
+    const NamelessFile source = write(file, diagramAsDot(model));
+    // A name that begins with a dash would count as an option; a whole path never does.
+    const int exitCode =
+        run(file, {"dot", "-T" + extension.substr(1), "-o", std::filesystem::absolute(file).string()},
+            source.get());
     if (exitCode != 0) {
         refuse(file, "Graphviz's program \"dot\" failed with code " + std::to_string(exitCode) + ".");
     }
