@@ -1,10 +1,10 @@
 #include "reference_host/diagram/DiagramDrawing.hpp"
 
 #include "host/Text.hpp"
+#include "reference_host/diagram/DrawingPlan.hpp"
 #include "reference_host/diagram/ObservedPorts.hpp"
 
 #include <algorithm>
-#include <cmath>
 #include <set>
 #include <sstream>
 #include <unordered_map>
@@ -15,7 +15,7 @@ namespace reference_host {
 namespace {
 
 constexpr const char* head =
-    "  graph [rankdir=LR, nodesep=0.25, ranksep=0.7, fontname=\"Helvetica\", fontsize=12, labelloc=t,\n"
+    "  graph [rankdir=LR, nodesep=0.22, ranksep=0.5, fontname=\"Helvetica\", fontsize=12, labelloc=t,\n"
     "         labeljust=l, bgcolor=white];\n"
     "  node [shape=plain, fontname=\"Helvetica\", fontsize=10];\n"
     "  edge [color=\"#5b6770\", arrowsize=0.6];\n";
@@ -58,7 +58,7 @@ struct Badges {
 
 class Drawing {
 public:
-    explicit Drawing(const Model& model) : m_model(model)
+    explicit Drawing(const Model& model) : m_model(model), m_plan(model.root())
     {
         for (const ObservedPort& port : observedPorts(model)) {
             if (port.place.isThere) {
@@ -70,8 +70,9 @@ public:
     std::string draw()
     {
         m_out << "digraph {\n" << head;
-        m_out << "  label=<<b>" << escaped(m_model.name()) << "</b> &#160; &#9679; observed &#160; "
-              << "&#9673; bound to a client>;\n";
+        m_out << "  label=<<table border=\"0\" cellspacing=\"6\"><tr><td><b>" << escaped(m_model.name())
+              << "</b></td><td bgcolor=\"" << observedColor << "\">observed &#9679;</td><td bgcolor=\""
+              << boundColor << "\">bound to a client &#9673;</td></tr></table>>;\n";
         drawContents(m_model.root());
         for (const Block* system : m_systems) {
             drawConnections(*system);
@@ -101,7 +102,8 @@ private:
 
     static std::string nodeOf(const Block& block) { return "b" + std::to_string(block.number()); }
 
-    /// The node at which a connection to a connector of this kind ends.
+    /// The node at which connections to a block's inputs, or its outputs, end; for a system the strip of
+    /// them.
     static std::string nodeOf(const Block& block, PortKind kind)
     {
         const char* strip = kind == PortKind::Input ? "i" : "o";
@@ -111,21 +113,34 @@ private:
     void drawContents(const Block& system)
     {
         m_systems.push_back(&system);
-        m_out << "  " << nodeOf(system) << " [shape=point, style=invis, width=0.01];\n";
         drawStrip(system, PortKind::Input);
         drawStrip(system, PortKind::Output);
-        for (const auto& child : system.children()) {
-            if (child->kind() == BlockKind::Component) {
-                drawComponent(*child);
-            } else {
-                m_out << "  subgraph cluster_" << nodeOf(*child) << " {\n  label=<" << escaped(child->name())
-                      << chartMark(*child)
-                      << ">; style=\"rounded,filled\"; color=\"#8796a5\"; fillcolor=\"#0000000a\";\n";
-                drawContents(*child);
-                m_out << "  }\n";
+        const std::vector<DrawingPlan::Band>& bands = m_plan.bandsOf(system);
+        for (std::size_t i = 0; i < bands.size(); ++i) {
+            if (bands.size() > 1) {
+                m_out << "  subgraph cluster_" << nodeOf(system) << '_' << i
+                      << " {\n  label=\"\"; style=invis; margin=4;\n";
             }
+            for (const DrawingPlan::Column& column : bands[i]) {
+                std::for_each(column.begin(), column.end(),
+                              [this](const Block* block) { drawBlock(*block); });
+            }
+            m_out << (bands.size() > 1 ? "  }\n" : "");
         }
-        spread(system);
+        keepPlaces(system);
+    }
+
+    void drawBlock(const Block& block)
+    {
+        if (block.kind() == BlockKind::Component) {
+            drawComponent(block);
+            return;
+        }
+        m_out << "  subgraph cluster_" << nodeOf(block) << " {\n  label=<" << escaped(block.name())
+              << chartMark(block)
+              << ">; style=\"rounded,filled\"; color=\"#8796a5\"; fillcolor=\"#0000000a\"; margin=10;\n";
+        drawContents(block);
+        m_out << "  }\n";
     }
 
     std::string outputCell(const Block& block, std::size_t i) const
@@ -174,11 +189,20 @@ private:
         m_out << "</table>>];\n";
     }
 
-    /// A system's own inputs or outputs, inside its box.
+    /// A system's own inputs stand in a strip left of all that it holds, its outputs in one on the right. A
+    /// strip without ports is there, but not seen; the model itself needs none.
+    static bool hasStrip(const Block& system, PortKind kind)
+    {
+        return system.parent() != nullptr || !system.ports(kind).empty();
+    }
+
     void drawStrip(const Block& system, PortKind kind)
     {
         const std::size_t count = system.ports(kind).size();
         if (count == 0) {
+            if (hasStrip(system, kind)) {
+                m_out << "  " << nodeOf(system, kind) << " [shape=point, style=invis, width=0.01];\n";
+            }
             return;
         }
         m_out << "  " << nodeOf(system, kind)
@@ -191,24 +215,77 @@ private:
         m_out << "</table>>];\n";
     }
 
-    /// Children without connections would all stand in one column; they are spread over a square.
-    void spread(const Block& system)
+    // ---- what stands where ----
+
+    void putLeft(const std::string& left, const std::string& right)
     {
-        std::unordered_set<const Block*> connected;
+        m_out << "  " << left << " -> " << right << " [style=invis];\n";
+    }
+
+    /// Has blocks stand in their columns, between the strips, where connections alone would not.
+    void keepPlaces(const Block& system)
+    {
+        std::unordered_set<const Block*> hasLeft;
+        std::unordered_set<const Block*> hasRight;
         for (const Connection& connection : system.connections()) {
-            connected.insert({connection.start.element, connection.end.element});
-        }
-        std::vector<const Block*> loose;
-        for (const auto& child : system.children()) {
-            if (!connected.contains(child.get())) {
-                loose.push_back(child.get());
+            if (isBetweenBlocks(system, connection) && isForward(system, connection)) {
+                hasRight.insert(connection.start.element);
+                hasLeft.insert(connection.end.element);
             }
         }
-        const auto rows = static_cast<std::size_t>(std::ceil(std::sqrt(static_cast<double>(loose.size()))));
-        for (std::size_t i = rows; i < loose.size(); ++i) {
-            m_out << "  " << nodeOf(*loose[i - rows]) << " -> " << nodeOf(*loose[i]) << " [style=invis];\n";
+        const std::string inputs = nodeOf(system, PortKind::Input);
+        const std::string outputs = nodeOf(system, PortKind::Output);
+        const bool hasInputs = hasStrip(system, PortKind::Input);
+        const bool hasOutputs = hasStrip(system, PortKind::Output);
+        for (const DrawingPlan::Band& band : m_plan.bandsOf(system)) {
+            keepColumns(band, hasLeft);
+            for (const Block* first : band.front()) {
+                if (hasInputs) {
+                    putLeft(inputs, nodeOf(*first, PortKind::Input));
+                }
+            }
+            for (const DrawingPlan::Column& column : band) {
+                for (const Block* block : column) {
+                    if (hasOutputs && !hasRight.contains(block)) {
+                        putLeft(nodeOf(*block, PortKind::Output), outputs);
+                    }
+                }
+            }
+        }
+        if (system.children().empty() && hasInputs && hasOutputs) {
+            putLeft(inputs, outputs);
         }
     }
+
+    void keepColumns(const DrawingPlan::Band& band, const std::unordered_set<const Block*>& hasLeft)
+    {
+        for (std::size_t i = 1; i < band.size(); ++i) {
+            for (std::size_t row = 0; row < band[i].size(); ++row) {
+                const Block& block = *band[i][row];
+                const Block& left = *band[i - 1][row % band[i - 1].size()];
+                if (!hasLeft.contains(&block)) {
+                    putLeft(nodeOf(left, PortKind::Output), nodeOf(block, PortKind::Input));
+                }
+            }
+        }
+    }
+
+    static bool isBetweenBlocks(const Block& system, const Connection& connection)
+    {
+        const auto isBlock = [&system](const ConnectionEnd& end) {
+            return end.element != nullptr && end.element != &system;
+        };
+        return isBlock(connection.start) && isBlock(connection.end);
+    }
+
+    /// Whether a connection leads to the right; if not, it has no say in where blocks stand.
+    bool isForward(const Block& system, const Connection& connection) const
+    {
+        return !isBetweenBlocks(system, connection) ||
+               m_plan.isForward(*connection.start.element, *connection.end.element);
+    }
+
+    // ---- connections ----
 
     /// Where a connection ends; empty where the connector is not drawn.
     static std::string endOf(const ConnectionEnd& end)
@@ -234,12 +311,14 @@ private:
             const std::string start = endOf(connection.start);
             const std::string end = endOf(connection.end);
             if (!start.empty() && !end.empty()) {
-                m_out << "  " << start << ":e -> " << end << ":w;\n";
+                m_out << "  " << start << ":e -> " << end << ":w"
+                      << (isForward(system, connection) ? "" : " [constraint=false]") << ";\n";
             }
         }
     }
 
     const Model& m_model;
+    DrawingPlan m_plan;
     std::unordered_map<const Block*, Badges> m_badges;
     std::vector<const Block*> m_systems;
     std::ostringstream m_out;

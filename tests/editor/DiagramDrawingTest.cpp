@@ -59,14 +59,14 @@ TEST_F(DiagramDrawing, EveryBlockIsDrawnAndSystemsAreBoxes)
 
 TEST_F(DiagramDrawing, ObservedPortsAndThoseOfClientsAreMarked)
 {
-    EXPECT_EQ(occurrences(drawn(), "#cdebc5"), 0U);
+    EXPECT_EQ(occurrences(drawn(), "#cdebc5") + occurrences(drawn(), "#bfdcf5"), 2U) << "the legend";
     addSignal(at(u"Controller/Gain"), 2);
     addSignal(at(u"Tank"), 1);
     addClient(1);
     const std::string dot = drawn();
     EXPECT_NE(dot.find("\"#cdebc5\">z &#9679;"), std::string::npos) << dot;
     EXPECT_NE(dot.find("\"#bfdcf5\">level &#9673;"), std::string::npos) << dot;
-    EXPECT_EQ(occurrences(dot, "#cdebc5") + occurrences(dot, "#bfdcf5"), 2U);
+    EXPECT_EQ(occurrences(dot, "#cdebc5") + occurrences(dot, "#bfdcf5"), 4U);
 }
 
 TEST_F(DiagramDrawing, AnObservedChartIsMarked)
@@ -89,6 +89,45 @@ TEST_F(DiagramDrawing, ConnectionsEndAtTheirPorts)
     EXPECT_EQ(occurrences(dot, ":e -> "), 2U) << "an end that does not exist is not drawn";
 }
 
+TEST_F(DiagramDrawing, AConnectionThatLeadsBackMovesNoBlock)
+{
+    rh::Block& gain = at(u"Controller/Gain");
+    rh::Block& sink = model->add(at(u"Controller"), u"Sink", rh::BlockKind::Component);
+    sink.addPort(rh::PortKind::Input, u"u");
+    sink.addPort(rh::PortKind::Output, u"v");
+    gain.addPort(rh::PortKind::Input, u"u");
+    at(u"Controller").addConnection({{&gain, {}, u"y"}, {&sink, {}, u"u"}});
+    at(u"Controller").addConnection({{&sink, {}, u"v"}, {&gain, {}, u"u"}});
+    const std::string dot = drawn();
+    EXPECT_NE(dot.find("b2:o0:e -> b4:i0:w;"), std::string::npos) << dot;
+    EXPECT_NE(dot.find("b4:o0:e -> b2:i0:w [constraint=false];"), std::string::npos) << dot;
+}
+
+TEST_F(DiagramDrawing, WhatASystemHoldsStandsBetweenItsInputsAndItsOutputs)
+{
+    const std::string dot = drawn();
+    EXPECT_NE(dot.find("b1i -> b2 [style=invis];"), std::string::npos) << dot;
+    EXPECT_NE(dot.find("b2 -> b1o [style=invis];"), std::string::npos) << dot;
+    model->remove(at(u"Controller/Gain"));
+    EXPECT_NE(drawn().find("b1i -> b1o [style=invis];"), std::string::npos);
+}
+
+TEST_F(DiagramDrawing, ALongDiagramIsBrokenIntoBandsWithoutABox)
+{
+    rh::Block* last = &at(u"Tank");
+    last->addPort(rh::PortKind::Input, u"in");
+    for (const char16_t name : std::u16string(u"abcdefghijklmnopqrstuvwxyz")) {
+        rh::Block& next = model->add(root(), std::u16string(20, name), rh::BlockKind::Component);
+        next.addPort(rh::PortKind::Input, u"in");
+        next.addPort(rh::PortKind::Output, u"level");
+        root().addConnection({{last, {}, u"level"}, {&next, {}, u"in"}});
+        last = &next;
+    }
+    const std::string dot = drawn();
+    EXPECT_GT(occurrences(dot, "style=invis; margin"), 1U);
+    EXPECT_EQ(occurrences(dot, "[constraint=false]") + 1, occurrences(dot, "style=invis; margin"));
+}
+
 TEST_F(DiagramDrawing, NamesAreDrawnAsTheyAre)
 {
     model->rename(at(u"Tank"), u"<a & \"b\">\n\u00fc");
@@ -106,6 +145,26 @@ TEST_F(DiagramDrawing, AFileIsDrawnInTheFormatOfItsExtension)
     EXPECT_NE(text.str().find("Gain"), std::string::npos);
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(svg.parent_path()), {}), 1)
         << "nothing else is left behind";
+}
+
+TEST_F(DiagramDrawing, AFileBesideTheDrawingStaysAsItIs)
+{
+    const std::filesystem::path beside = file("model.svg.dot");
+    std::ofstream(beside) << "mine";
+    rh::drawDiagram(*model, file("model.svg"));
+    std::ostringstream text;
+    text << std::ifstream(beside).rdbuf();
+    EXPECT_EQ(text.str(), "mine");
+}
+
+TEST_F(DiagramDrawing, AFileNameMayLookLikeAnOption)
+{
+    const std::filesystem::path drawing = file("-Kneato.svg");
+    const std::filesystem::path former = std::filesystem::current_path();
+    std::filesystem::current_path(drawing.parent_path());
+    rh::drawDiagram(*model, "-Kneato.svg");
+    std::filesystem::current_path(former);
+    EXPECT_TRUE(std::filesystem::exists(drawing));
 }
 
 TEST_F(DiagramDrawing, WhatCannotBeDrawnIsAHostError)
