@@ -65,6 +65,23 @@ Json textToJson(std::u16string_view text)
     return {{"units", std::move(units)}};
 }
 
+std::string JsonView::place() const
+{
+    const std::string outside = m_outside != nullptr ? m_outside->text() : "/";
+    if (outside == "/") {
+        return m_place;
+    }
+    return m_place == "/" ? outside : outside + m_place;
+}
+
+JsonView JsonView::inside(const Json& json, std::string_view name) const
+{
+    JsonView view = *this;
+    view.m_json = &json;
+    appendPlace(view.m_place, name);
+    return view;
+}
+
 void JsonView::requireOnly(std::initializer_list<const char*> names) const
 {
     if (!m_json->is_object()) {
@@ -72,7 +89,7 @@ void JsonView::requireOnly(std::initializer_list<const char*> names) const
     }
     for (const auto& [name, value] : m_json->items()) {
         if (std::find(names.begin(), names.end(), name) == names.end()) {
-            throw fileError("JsonUnknownMember", {placeInside(m_place, name)});
+            throw fileError("JsonUnknownMember", {inside(value, name).place()});
         }
     }
 }
@@ -81,7 +98,7 @@ JsonView JsonView::member(const char* name) const
 {
     std::optional<JsonView> found = find(name);
     if (!found) {
-        throw fileError("JsonMemberMissing", {m_place, std::string(name)});
+        throw fileError("JsonMemberMissing", {place(), std::string(name)});
     }
     return *std::move(found);
 }
@@ -95,7 +112,7 @@ std::optional<JsonView> JsonView::find(const char* name) const
     if (found == m_json->end()) {
         return std::nullopt;
     }
-    return JsonView(*found, placeInside(m_place, name));
+    return inside(*found, name);
 }
 
 std::size_t JsonView::count() const
@@ -109,9 +126,9 @@ std::size_t JsonView::count() const
 JsonView JsonView::element(std::size_t index) const
 {
     if (index >= count()) {
-        throw fileError("JsonWrongCount", {m_place, std::uint64_t{count()}, std::uint64_t{index + 1}});
+        throw fileError("JsonWrongCount", {place(), std::uint64_t{count()}, std::uint64_t{index + 1}});
     }
-    return JsonView((*m_json)[index], placeInside(m_place, index));
+    return inside((*m_json)[index], std::to_string(index));
 }
 
 bool JsonView::boolean() const
@@ -166,7 +183,7 @@ std::string JsonView::byteText() const
 
 void JsonView::refuse(const char* expected) const
 {
-    throw fileError("JsonUnexpected", {m_place, std::string(expected)});
+    throw fileError("JsonUnexpected", {place(), std::string(expected)});
 }
 
 void JsonTree::begin(Json container)

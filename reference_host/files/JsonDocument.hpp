@@ -31,11 +31,13 @@ ZM_REFHOST_API Json textToJson(std::u16string_view text);
 /// with the place ("/blocks/3/name: Expected: text."). Valid as long as the document stands as it is.
 class ZM_REFHOST_API JsonView {
 public:
-    /// A value that stands in something larger is given its place there.
-    explicit JsonView(const Json& json, std::string place = "/") : m_json(&json), m_place(std::move(place)) {}
+    explicit JsonView(const Json& json) : m_json(&json) {}
+
+    /// A value in a document that is being read, which has to stay at this place meanwhile.
+    JsonView(const Json& json, const JsonPlace& place) : m_json(&json), m_outside(&place) {}
 
     const Json& json() const noexcept { return *m_json; }
-    const std::string& place() const noexcept { return m_place; }
+    std::string place() const;
 
     /// Host error unless it is an object without members of other names.
     void requireOnly(std::initializer_list<const char*> names) const;
@@ -60,8 +62,11 @@ public:
     [[noreturn]] void refuse(const char* expected) const;
 
 private:
+    JsonView inside(const Json& json, std::string_view name) const;
+
     const Json* m_json;
-    std::string m_place;
+    const JsonPlace* m_outside = nullptr;
+    std::string m_place = "/";  // inside the place outside
 };
 
 /// Puts a document together from what a `JsonHandler` hears.

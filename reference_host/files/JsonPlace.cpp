@@ -56,23 +56,20 @@ std::string JsonPlace::text() const
     std::string place = "/";
     for (const Level& level : m_levels) {
         if (level.isArray && level.elements > 0) {
-            place = placeInside(place, level.elements - 1);
+            appendPlace(place, std::to_string(level.elements - 1));
         } else if (!level.isArray && !level.member.empty()) {
-            place = placeInside(place, level.member);
+            appendPlace(place, level.member);
         }
     }
     return place;
 }
 
-std::string placeInside(const std::string& place, std::string_view member)
+void appendPlace(std::string& place, std::string_view member)
 {
-    std::string inside = place == "/" ? place : place + "/";
-    return member.size() <= longestName ? inside.append(member) : inside + quotedText(member);
-}
-
-std::string placeInside(const std::string& place, std::size_t element)
-{
-    return placeInside(place, std::to_string(element));
+    if (place != "/") {
+        place += '/';
+    }
+    place += member.size() <= longestName ? std::string(member) : quotedText(member);
 }
 
 }  // namespace reference_host

@@ -26,7 +26,8 @@ public:
     void member(std::string_view name);
     void leave();
 
-    /// "/" for the document, "/values/3" for element 3 (0-based) of its member "values".
+    /// For errors: takes time in proportion to the depth. "/" for the document, "/values/3" for element 3
+    /// (0-based) of its member "values".
     std::string text() const;
 
 private:
@@ -43,9 +44,8 @@ private:
     std::size_t m_items = 0;
 };
 
-/// The place of an element or member of what stands at a place.
-std::string placeInside(const std::string& place, std::string_view member);
-std::string placeInside(const std::string& place, std::size_t element);
+/// From the place of an array or object to that of an element or member in it.
+void appendPlace(std::string& place, std::string_view member);
 
 }  // namespace reference_host
 

@@ -43,7 +43,7 @@ private:
     static constexpr std::uint64_t falseKey = ~std::uint64_t{0} - 1;
     static constexpr std::uint64_t trueKey = ~std::uint64_t{0};
 
-    static constexpr std::size_t bitsOfIndex = 12;
+    static constexpr std::size_t bitsOfIndex = 10;
     static constexpr std::size_t slotCount = std::size_t{1} << bitsOfIndex;
 
     template <class Key, class Make>

@@ -73,7 +73,7 @@ public:
         if (level == Level::Object) {
             ValueObject content = std::move(m_objects.back());
             m_objects.pop_back();
-            add(valueOf(std::move(content), place.text()));
+            add(valueOf(std::move(content), place));
         }
     }
 

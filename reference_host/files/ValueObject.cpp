@@ -63,10 +63,15 @@ Dimensions sizeOf(const JsonView& object)
     }
 }
 
-void requireCount(const std::string& place, std::size_t count, std::size_t wanted)
+[[noreturn]] void refuseCount(std::string place, std::size_t count, std::size_t wanted)
+{
+    throw fileError("JsonWrongCount", {std::move(place), std::uint64_t{count}, std::uint64_t{wanted}});
+}
+
+void requireCount(const JsonView& elements, std::size_t count, std::size_t wanted)
 {
     if (count != wanted) {
-        throw fileError("JsonWrongCount", {place, std::uint64_t{count}, std::uint64_t{wanted}});
+        refuseCount(elements.place(), count, wanted);
     }
 }
 
@@ -126,9 +131,9 @@ OwnedValue readNumeric(const JsonView& object, nvClassID classID)
     const JsonView real = object.member("data");
     const std::optional<JsonView> imaginary = object.find("imaginary");
     Dimensions size = sizeOf(object);
-    requireCount(real.place(), real.count(), size.elementCount());
+    requireCount(real, real.count(), size.elementCount());
     if (imaginary) {
-        requireCount(imaginary->place(), imaginary->count(), size.elementCount());
+        requireCount(*imaginary, imaginary->count(), size.elementCount());
     }
     const nvComplexity complexity = imaginary ? nvComplexity::Complex : nvComplexity::Real;
     OwnedValue value = makeNumeric(std::move(size), classID, complexity);
@@ -153,7 +158,7 @@ OwnedValue readLogicals(const JsonView& object)
     object.requireOnly({"class", "size", "data"});
     const JsonView data = object.member("data");
     Dimensions size = sizeOf(object);
-    requireCount(data.place(), data.count(), size.elementCount());
+    requireCount(data, data.count(), size.elementCount());
     OwnedValue value = makeLogicals(std::move(size));
     readElements<bool>(data, "true or false", [&](std::size_t index, bool element) {
         setElement(value.get(), index, element ? 1.0 : 0.0);
@@ -167,7 +172,7 @@ OwnedValue readCharacters(const JsonView& object)
     const JsonView text = object.member("text");
     std::u16string characters = text.text();
     Dimensions size = sizeOf(object);
-    requireCount(text.place(), characters.size(), size.elementCount());
+    requireCount(text, characters.size(), size.elementCount());
     return makeCharacters(std::move(size), std::move(characters));
 }
 
@@ -179,7 +184,7 @@ OwnedValue readCells(const JsonView& object, Values values, const std::vector<Va
         place.refuse("an array of values");
     }
     Dimensions size = sizeOf(object);
-    requireCount(place.place(), values.size(), size.elementCount());
+    requireCount(place, values.size(), size.elementCount());
     OwnedValue cells = makeCells(std::move(size));
     for (std::size_t i = 0; i < values.size(); ++i) {
         if (values[i]) {
@@ -223,10 +228,14 @@ OwnedValue readStruct(const JsonView& object, const Values& values, std::vector<
     if (!values.empty()) {
         place.refuse("an array of values for each field");
     }
-    requireCount(place.place(), fields.size(), names.size());
+    requireCount(place, fields.size(), names.size());
     Dimensions size = sizeOf(object);
     for (std::size_t number = 0; number < fields.size(); ++number) {
-        requireCount(placeInside(place.place(), number), fields[number].size(), size.elementCount());
+        if (fields[number].size() != size.elementCount()) {
+            std::string ofField = place.place();
+            appendPlace(ofField, std::to_string(number));
+            refuseCount(std::move(ofField), fields[number].size(), size.elementCount());
+        }
     }
     OwnedValue value = isObject ? makeStructObject(object.member("name").byteText(), std::move(size), names)
                                 : makeStruct(std::move(size), names);
@@ -238,7 +247,7 @@ OwnedValue readStruct(const JsonView& object, const Values& values, std::vector<
 
 }  // namespace
 
-OwnedValue valueOf(ValueObject content, const std::string& place)
+OwnedValue valueOf(ValueObject content, const JsonPlace& place)
 {
     const JsonView object(content.members, place);
     const JsonView classMember = object.member("class");

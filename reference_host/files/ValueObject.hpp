@@ -2,9 +2,9 @@
 #define ZM_REFERENCE_HOST_FILES_VALUE_OBJECT_HPP
 
 #include "reference_host/files/JsonDocument.hpp"
+#include "reference_host/files/JsonPlace.hpp"
 #include "reference_host/values/Value.hpp"
 
-#include <string>
 #include <vector>
 
 namespace reference_host {
@@ -20,7 +20,7 @@ struct ValueObject {
 };
 
 /// The value. What is no such object is a host error with the place, which is given as that of the object.
-OwnedValue valueOf(ValueObject object, const std::string& place);
+OwnedValue valueOf(ValueObject object, const JsonPlace& place);
 
 }  // namespace reference_host
 

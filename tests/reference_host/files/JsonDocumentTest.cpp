@@ -1,5 +1,6 @@
 #include "reference_host/files/JsonDocument.hpp"
 
+#include "reference_host/files/JsonPlace.hpp"
 #include "tests/reference_host/files/FileRefusal.hpp"
 
 #include <gtest/gtest.h>
@@ -155,8 +156,13 @@ TEST_F(JsonViewTest, UnitsWithOtherMembersAreRefused)
 
 TEST_F(JsonViewTest, AViewInsideSomethingLargerSpeaksOfItsPlaceThere)
 {
-    const JsonView inner(m_document, "/models/3");
-    EXPECT_EQ(inner.member("list").element(0).place(), "/models/3/list/0");
+    JsonPlace place({});
+    place.item();
+    place.enterArray();
+    place.item();
+    const JsonView inner(m_document, place);
+    EXPECT_EQ(inner.place(), "/0");
+    EXPECT_EQ(inner.member("list").element(1).place(), "/0/list/1");
 }
 
 }  // namespace

@@ -598,6 +598,19 @@ TEST_F(ValueJsonTest, ManyFieldsTakeNoQuadraticTime)
     EXPECT_EQ(fieldNames(value.get()).size(), 100'001U);
 }
 
+TEST_F(ValueJsonTest, ManyValuesTakeNoLongerFarInside)
+{
+    std::string text = R"({"class":"cell","size":[1,50000],"values":[{"class":"int8","data":[1]})";
+    for (int i = 1; i < 50'000; ++i) {
+        text += R"(,{"class":"int8","data":[1]})";
+    }
+    text += "]}";
+    for (int depth = 0; depth < 990; ++depth) {
+        text.insert(0, R"({"class":"cell","values":[)").append("]}");
+    }
+    EXPECT_TRUE(isCell(valueFromJson(text).get()));
+}
+
 TEST_F(ValueJsonTest, IntegersPastTheRangeOfTheirClassAreRefused)
 {
     EXPECT_EQ(refusal("JsonUnexpected", R"({"class":"int8","size":[1,2],"data":[127,128]})"),
