@@ -1,0 +1,41 @@
+#include "host/Exceptions.hpp"
+#include "reference_host/files/ValueJson.hpp"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+using reference_host::JsonLimits;
+using reference_host::OwnedValue;
+using reference_host::valueFromJson;
+using reference_host::valueToJson;
+
+namespace {
+
+constexpr JsonLimits limits{.items = std::size_t{1} << 20U};
+
+/// None when the text is refused.
+std::string rewritten(std::string_view json)
+{
+    OwnedValue value;
+    try {
+        value = valueFromJson(json, limits);
+    } catch (const zmsvException&) {
+        return {};
+    }
+    return valueToJson(value.get());
+}
+
+}  // namespace
+
+/// Every text gives a value or is refused; what was read is written so that it reads back the same.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    const std::string text = rewritten({reinterpret_cast<const char*>(data), size});
+    if (!text.empty() && text != rewritten(text)) {
+        std::abort();
+    }
+    return 0;
+}
