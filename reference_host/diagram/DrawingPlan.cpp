@@ -184,12 +184,12 @@ DrawingPlan::Breaking DrawingPlan::breakInto(std::size_t bands, const std::vecto
     return breaking;
 }
 
-DrawingPlan::Breaking DrawingPlan::bestBreaking(const std::vector<Size>& columns, double wideEnough)
+DrawingPlan::Breaking DrawingPlan::bestBreaking(const std::vector<Size>& columns, double enough)
 {
     constexpr std::size_t mostBands = 64;
     constexpr double worthIt = 0.9;  // how much smaller more bands have to be
-    const auto extentOf = [wideEnough](const Breaking& breaking) {
-        return std::max({breaking.size.width, breaking.size.height * widthToHeight, wideEnough});
+    const auto extentOf = [enough](const Breaking& breaking) {
+        return std::max({breaking.size.width, breaking.size.height * widthToHeight, enough});
     };
     Breaking best = columns.empty() ? Breaking() : breakInto(1, columns);
     for (std::size_t bands = 2; bands <= std::min(columns.size(), mostBands); ++bands) {

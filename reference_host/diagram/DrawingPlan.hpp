@@ -48,7 +48,7 @@ private:
     void appendLoose(std::vector<Column>& columns, const Column& loose) const;
     std::vector<Size> sizesOf(const std::vector<Column>& columns) const;
     static Breaking breakInto(std::size_t bands, const std::vector<Size>& columns);
-    static Breaking bestBreaking(const std::vector<Size>& columns, double wideEnough);
+    static Breaking bestBreaking(const std::vector<Size>& columns, double enough);
     void place(const Block& system, std::vector<Column> columns, std::size_t bandLength);
 
     std::unordered_map<const Block*, std::vector<Band>> m_bands;
