@@ -5,7 +5,6 @@
 #include <pybind11/stl.h>
 
 #include <new>
-#include <stdexcept>
 #include <utility>
 
 namespace py = pybind11;
@@ -82,14 +81,6 @@ void translate(std::exception_ptr failure)
 void registerErrors()
 {
     py::register_local_exception_translator(translate);
-}
-
-Edge* Edge::checked(Edge* edge)
-{
-    if (std::this_thread::get_id() != s_hostThread) {
-        throw std::runtime_error("the host is used from the thread that imported zmhost");
-    }
-    return edge;
 }
 
 void Edge::listenToWarnings()

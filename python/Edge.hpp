@@ -9,7 +9,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <thread>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -31,11 +30,11 @@ private:
     pybind11::object m_cause;
 };
 
-/// One native call under way. Calls nest where a script's function is called back. The host has one
-/// thread, the one that imported the module; a call from another is Python's `RuntimeError`.
+/// One native call under way. Calls nest where a script's function is called back. All are on the host's
+/// thread: see HostThread.hpp.
 class Edge {
 public:
-    Edge() : m_outer(std::exchange(s_current, checked(this))) {}
+    Edge() : m_outer(std::exchange(s_current, this)) {}
     Edge(const Edge&) = delete;
     Edge& operator=(const Edge&) = delete;
     ~Edge() { s_current = m_outer; }
@@ -56,11 +55,9 @@ public:
     void close(const std::exception_ptr& failure);
 
 private:
-    static Edge* checked(Edge* edge);
     void deliver(const pybind11::object& error);
 
     static inline Edge* s_current = nullptr;
-    static inline std::thread::id s_hostThread = std::this_thread::get_id();
 
     Edge* m_outer;
     std::vector<reference_host::Warning> m_warnings;

@@ -1,5 +1,6 @@
 #include "python/Bindings.hpp"
 #include "python/Edge.hpp"
+#include "python/HostThread.hpp"
 #include "python/ScriptFunctions.hpp"
 #include "python/ValueHandle.hpp"
 #include "reference_host/calls/Ledger.hpp"
@@ -68,7 +69,8 @@ PYBIND11_MODULE(_zmhost, module)
     zmhost::bindReports(module);
     zmhost::bindRecorder(module);
     module.def("load_library", loadLibrary, py::arg("path"), py::arg("entry_point"));
-    module.def("shut_down", shutDown, py::arg("exit_code"));
+    zmhost::bindToHostThread(module);
+    module.def("shut_down", shutDown, py::arg("exit_code"));  // from wherever Python ends
     zmhost::Edge::listenToWarnings();
     reference_host::installDiagramFunctions();
     zmhost::makeHostFunctionsInterruptible();

@@ -1,11 +1,12 @@
 """Host errors as Python exceptions."""
 
 import threading
+import types
 
 import pytest
 
 import zmhost
-from zmhost import Zelmar
+from zmhost import Zelmar, _zmhost
 
 
 @pytest.fixture
@@ -109,16 +110,77 @@ def test_a_library_that_a_script_breaks_says_so(signals):
     assert signals.Count == 0
 
 
-def test_the_host_has_one_thread(signals):
+def raised_elsewhere(use):
+    """The text of the `RuntimeError` that `use` raises in another thread."""
     errors = []
 
-    def use():
+    def run():
         try:
-            signals.Count
+            use()
         except RuntimeError as error:
             errors.append(str(error))
 
-    other = threading.Thread(target=use)
+    other = threading.Thread(target=run)
     other.start()
     other.join()
-    assert errors == ["the host is used from the thread that imported zmhost"]
+    assert len(errors) == 1
+    return errors[0]
+
+
+WRONG_THREAD = "the host is used from the thread that imported zmhost"
+
+
+@pytest.mark.parametrize(
+    "use",
+    [
+        lambda signals: signals.Count,
+        lambda signals: signals.Persistence.dims,
+        lambda signals: zmhost.StructArray([{"a": 1}]),
+        lambda signals: zmhost.Matrix([1, 2]),
+        lambda signals: zmhost.Matrix.zeros(2, 2),
+        lambda signals: zmhost.CellArray([1, 2], (2, 1)).__host_value__(),
+        lambda signals: zmhost.host_function("elsewhere")(print),
+        lambda signals: zmhost.remove_host_function("elsewhere"),
+        lambda signals: zmhost.host_functions(),
+        lambda signals: zmhost.models(),
+        lambda signals: zmhost.ledger(),
+        lambda signals: len(zmhost.warnings),
+        lambda signals: zmhost.faults.disarm(),
+        lambda signals: zmhost.faults.has_fired(),
+    ],
+)
+def test_the_host_has_one_thread(signals, use):
+    assert raised_elsewhere(lambda: use(signals)) == WRONG_THREAD
+
+
+def test_what_a_script_holds_is_read_on_the_hosts_thread(signals, spec):
+    array = zmhost.StructArray([{"a": 1}])
+    matrix = zmhost.Matrix([1, 2])
+    for use in (lambda: array[0]["a"], lambda: len(array), lambda: matrix[0], lambda: repr(matrix)):
+        assert raised_elsewhere(use) == WRONG_THREAD
+
+
+def native_entries():
+    """Every function that the native module has, those of its classes among them, by name."""
+    for name, bound in vars(_zmhost).items():
+        if isinstance(bound, types.BuiltinFunctionType):
+            yield name, bound
+        for member_name, member in vars(bound).items() if isinstance(bound, type) else ():
+            accessors = (member.fget, member.fset) if isinstance(member, property) else (member,)
+            for accessor in accessors:
+                function = getattr(accessor, "__func__", accessor)
+                if isinstance(function, types.BuiltinFunctionType):
+                    yield f"{name}.{member_name}", function
+
+
+def test_every_native_entry_is_for_the_hosts_thread():
+    entries = dict(native_entries())
+    assert entries.pop("shut_down") and len(entries) > 150
+    for name, entry in entries.items():
+        assert (name, raised_elsewhere(entry)) == (name, WRONG_THREAD)
+
+
+def test_a_program_may_import_the_host_in_a_thread_of_its_own(run):
+    program = "import threading; t = threading.Thread(target=lambda: __import__('zmhost')); t.start(); t.join()"
+    result = run("-c", program)
+    assert (result.returncode, result.stderr) == (0, "")
