@@ -1,13 +1,15 @@
-"""Finds the library and opens it as any host does: as a shared object, by its entry point."""
+"""Finds the library and opens it as any host does: as a shared object, by its entry point.
+
+It is the copy that the native module is linked to, for the editor's and the recorder's calls; a second one
+would have classes of its own. So nobody chooses another file here.
+"""
 
 from __future__ import annotations
 
-import os
 from pathlib import Path
 
 from zmhost import _location, _zmhost
 
-ENVIRONMENT_VARIABLE = "ZM_HMI_FOUNDATION_LIBRARY"
 FILE_NAME = "libzm_hmi_foundation.so"
 ENTRY_POINT = "NVInitialize_zm_hmi_foundation"
 
@@ -15,9 +17,6 @@ _loaded = False
 
 
 def _candidates() -> list[Path]:
-    chosen = os.environ.get(ENVIRONMENT_VARIABLE)
-    if chosen:
-        return [Path(chosen)]
     here = Path(__file__).parent
     return [here / FILE_NAME, here / _location.LIBRARY_DIRECTORY / FILE_NAME]
 
@@ -30,10 +29,7 @@ def load() -> None:
     candidates = _candidates()
     found = next((path for path in candidates if path.is_file()), None)
     if found is None:
-        places = " or ".join(os.path.normpath(path) for path in candidates)
-        raise ImportError(
-            f"the library {FILE_NAME} is not at {places}; "
-            f"build it, or name the file in the environment variable {ENVIRONMENT_VARIABLE}"
-        )
+        places = " or ".join(str(path.resolve()) for path in candidates)
+        raise ImportError(f"the library {FILE_NAME} is not at {places}; build it")
     _zmhost.load_library(str(found.resolve()), ENTRY_POINT)
     _loaded = True

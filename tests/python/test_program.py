@@ -192,26 +192,35 @@ def test_help_lists_the_options(run):
     assert result.returncode == 0 and "--log-host-calls" in result.stdout
 
 
+LOADING = "from zmhost import _library; _library.{} = {!r}; _library.load()"
+
+
 def test_a_missing_library_is_named(run, tmp_path):
-    missing = tmp_path / "libmissing.so"
-    environment = {"ZM_HMI_FOUNDATION_LIBRARY": str(missing)}
-    result = run("-c", "from zmhost import Zelmar", env=environment)
-    assert result.returncode == 1
-    assert str(missing) in result.stderr and "ZM_HMI_FOUNDATION_LIBRARY" in result.stderr
-    without = run("-c", f"import zmhost; print(zmhost.open_model({str(GREENHOUSE)!r}))", env=environment)
-    assert without.returncode == 0 and "Gewächshaus" in without.stdout
+    missing = str(tmp_path / "libmissing.so")
+    result = run("-c", LOADING.format("FILE_NAME", missing))
+    assert result.returncode == 1 and "ImportError" in result.stderr and missing in result.stderr
 
 
 def test_a_file_that_is_no_library_is_named(run, tmp_path):
     file = tmp_path / "libtext.so"
     file.write_text("text")
-    result = run("-c", "from zmhost import Zelmar", env={"ZM_HMI_FOUNDATION_LIBRARY": str(file)})
+    result = run("-c", LOADING.format("FILE_NAME", str(file)))
     assert result.returncode == 1 and "ImportError" in result.stderr and str(file) in result.stderr
 
 
 def test_a_library_without_the_entry_point_is_refused(run):
-    result = run("-c", "from zmhost import Zelmar", env={"ZM_HMI_FOUNDATION_LIBRARY": _ctypes.__file__})
+    result = run("-c", LOADING.format("FILE_NAME", _ctypes.__file__))
     assert result.returncode == 1 and "NVInitialize_zm_hmi_foundation" in result.stderr
+
+
+def test_one_copy_of_the_library_is_loaded(run):
+    program = (
+        "from zmhost import Zelmar; Zelmar.HMI.InstrumentedSignals\n"
+        "maps = open('/proc/self/maps', encoding='utf-8').read().split()\n"
+        "print(len({part for part in maps if 'libzm_hmi_foundation' in part}))\n"
+    )
+    result = run("-c", program)
+    assert (result.returncode, result.stdout) == (0, "1\n")
 
 
 def test_a_directory_of_another_name_changes_nothing(run, tmp_path):
