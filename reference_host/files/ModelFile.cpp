@@ -186,19 +186,6 @@ void reportPassedOver(const std::filesystem::path& file, const std::vector<SsdWa
 
 // ---- saving -----------------------------------------------------------------------------------------
 
-/// The description of the model as it is now. One with edits is read once more: what could not be opened
-/// again must not be saved.
-std::string currentDescription(const Model& model, const ModelSource* source)
-{
-    const std::string former = source != nullptr ? source->description : std::string();
-    std::string current = writeSsd(model, former);
-    if (current != former) {
-        std::istringstream in(current);
-        readSsd(in, descriptionEntry);
-    }
-    return current;
-}
-
 /// What an entry is to hold for a collection; none for no collection.
 std::optional<std::string> persistenceOf(const nvArray* collection)
 {
@@ -226,7 +213,9 @@ std::vector<ArchiveChange> changesFor(const Model& model, const std::filesystem:
         steps.begin(step);
         changes.push_back({entry, inEntry(file, entry, content)});
     };
-    add("diagram", descriptionEntry, [&] { return std::optional(currentDescription(model, source)); });
+    add("diagram", descriptionEntry, [&] {
+        return std::optional(writeSsd(model, source != nullptr ? source->description : std::string()));
+    });
     add("tool data", toolDataEntry, [&] { return std::optional(toolDataOf(model)); });
     add("instrumented signals", signalsEntry, [&] { return persistenceOf(modelSignals(model).get()); });
     add("streaming clients", clientsEntry, [&] { return persistenceOf(modelClients(model).get()); });
