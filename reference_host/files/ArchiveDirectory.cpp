@@ -65,12 +65,11 @@ void overwriteNumber(std::string& bytes, std::size_t position, std::size_t size,
     }
 }
 
-/// Where the directory lies.
+/// Where the directory lies: it has to end where the record of its end begins.
 struct Extent {
     std::uint64_t count = 0;
     std::uint64_t begin = 0;
-    std::uint64_t size = 0;  // as it is written …
-    std::uint64_t end = 0;   // … and where it has to lead
+    std::uint64_t end = 0;
 };
 
 void requireOneDisk(bool isOne)
@@ -97,7 +96,7 @@ std::uint64_t findEnd(const Bytes& bytes)
 Extent findDirectory(const Bytes& bytes, std::uint64_t end)
 {
     requireOneDisk(bytes.number(end + 4, 4) == 0 && bytes.number(end + 8, 2) == bytes.number(end + 10, 2));
-    return {bytes.number(end + 10, 2), bytes.number(end + 16, 4), bytes.number(end + 12, 4), end};
+    return {bytes.number(end + 10, 2), bytes.number(end + 16, 4), end};
 }
 
 /// What the wide end record (ZIP64) says, which stands before its locator, and that before the end record.
@@ -110,20 +109,14 @@ Extent findWideDirectory(const Bytes& bytes, std::uint64_t locator)
     }
     requireOneDisk(bytes.number(locator + 4, 4) == 0 && bytes.number(locator + 16, 4) <= 1 &&
                    bytes.number(end + 16, 8) == 0 && bytes.number(end + 24, 8) == bytes.number(end + 32, 8));
-    return {bytes.number(end + 32, 8), bytes.number(end + 48, 8), bytes.number(end + 40, 8), end};
+    return {bytes.number(end + 32, 8), bytes.number(end + 48, 8), end};
 }
 
-/// The directory has to end where the record of its end begins.
 Extent findExtent(const Bytes& bytes, std::uint64_t end)
 {
     const bool isWide =
         end >= wideEndLocatorSize && bytes.number(end - wideEndLocatorSize, 4) == wideEndLocatorSignature;
-    const Extent extent =
-        isWide ? findWideDirectory(bytes, end - wideEndLocatorSize) : findDirectory(bytes, end);
-    if (extent.begin > extent.end || extent.size != extent.end - extent.begin) {
-        refuseArchive("DirectoryMisplaced");
-    }
-    return extent;
+    return isWide ? findWideDirectory(bytes, end - wideEndLocatorSize) : findDirectory(bytes, end);
 }
 
 /// The wide field (ZIP64) among an entry's extra fields: where it begins, and how long it is.

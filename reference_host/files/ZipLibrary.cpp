@@ -132,7 +132,7 @@ void ZipReader::unpack(std::size_t position, const ArchiveEntry& entry,
     if (file == nullptr) {
         refuseEntry(entry.name, "EntryDamaged", {reason(zip_get_error(m_archive.get()))});
     }
-    std::array<char, 65536> buffer;  // NOLINT(cppcoreguidelines-pro-type-member-init): read only where filled
+    std::array<char, 65536> buffer;
     std::uint64_t total = 0;
     for (;;) {
         const zip_int64_t size = zip_fread(file.get(), buffer.data(), buffer.size());

@@ -28,26 +28,36 @@ Entries entriesOf(const Archive& archive)
 }
 
 /// A small archive with stored and deflated entries, a folder and all kinds of extras.
-class DamagedArchiveTest : public reference_host::HostTest {
-protected:
-    static std::string makeArchive()
-    {
-        const std::string extra = "xy" + reference_host::zipNumber(3, 2) + "abc";
-        const Archive others(zipBytes({{.name = "resources/", .attributes = 0x10},
-                                       {.name = "resources/wheel.fmu",
-                                        .packed = "stored as it is",
-                                        .time = 0x5A8B6C41,
-                                        .recordExtra = extra,
-                                        .headerExtra = extra,
-                                        .comment = "a comment"}},
-                                      {.comment = "of the archive"}));
-        std::string large = "<a>";
-        for (int i = 0; i < 100; ++i) {
-            large += "line " + std::to_string(i * i) + "\n";
-        }
-        return Archive::pack(&others, {{"SystemStructure.ssd", large}, {"extra/größe.json", "{}"}});
+std::string packedZip()
+{
+    const std::string extra = "xy" + reference_host::zipNumber(3, 2) + "abc";
+    const Archive others(zipBytes({{.name = "resources/", .attributes = 0x10},
+                                   {.name = "resources/wheel.fmu",
+                                    .packed = "stored as it is",
+                                    .time = 0x5A8B6C41,
+                                    .recordExtra = extra,
+                                    .headerExtra = extra,
+                                    .comment = "a comment"}},
+                                  {.comment = "of the archive"}));
+    std::string large = "<a>";
+    for (int i = 0; i < 100; ++i) {
+        large += "line " + std::to_string(i * i) + "\n";
     }
+    return Archive::pack(&others, {{"SystemStructure.ssd", large}, {"extra/größe.json", "{}"}});
+}
 
+struct Whole {
+    const char* what;
+    std::string (*make)();
+};
+
+void PrintTo(const Whole& whole, std::ostream* out)
+{
+    *out << whole.what;
+}
+
+class DamagedArchiveTest : public reference_host::HostTest, public ::testing::WithParamInterface<Whole> {
+protected:
     /// Whether the bytes are refused. If they are not, nothing that the archive holds may have changed.
     bool isRefused(const std::string& bytes, const std::string& damage) const
     {
@@ -71,16 +81,16 @@ protected:
         return count;
     }
 
-    std::string m_bytes = makeArchive();
+    std::string m_bytes = GetParam().make();
     Entries m_entries = entriesOf(Archive(m_bytes));
 };
 
-TEST_F(DamagedArchiveTest, EveryFlippedByteIsNoticedOrChangesNothing)
+TEST_P(DamagedArchiveTest, EveryFlippedByteIsNoticedOrChangesNothing)
 {
     EXPECT_GT(refusalsWithEveryByteChangedBy(0xFF), m_bytes.size() / 2);
 }
 
-TEST_F(DamagedArchiveTest, EveryFlippedBitIsNoticedOrChangesNothing)
+TEST_P(DamagedArchiveTest, EveryFlippedBitIsNoticedOrChangesNothing)
 {
     std::size_t refusals = 0;
     for (unsigned bit = 0; bit < 8; ++bit) {
@@ -89,7 +99,7 @@ TEST_F(DamagedArchiveTest, EveryFlippedBitIsNoticedOrChangesNothing)
     EXPECT_GT(refusals, 8 * m_bytes.size() / 2);
 }
 
-TEST_F(DamagedArchiveTest, EveryZeroedByteIsNoticedOrChangesNothing)
+TEST_P(DamagedArchiveTest, EveryZeroedByteIsNoticedOrChangesNothing)
 {
     for (std::size_t i = 0; i < m_bytes.size(); ++i) {
         std::string bytes = m_bytes;
@@ -98,14 +108,14 @@ TEST_F(DamagedArchiveTest, EveryZeroedByteIsNoticedOrChangesNothing)
     }
 }
 
-TEST_F(DamagedArchiveTest, EveryTruncationIsRefused)
+TEST_P(DamagedArchiveTest, EveryTruncationIsRefused)
 {
     for (std::size_t length = 0; length < m_bytes.size(); ++length) {
         EXPECT_TRUE(isRefused(m_bytes.substr(0, length), "length " + std::to_string(length))) << length;
     }
 }
 
-TEST_F(DamagedArchiveTest, EveryMissingByteIsRefused)
+TEST_P(DamagedArchiveTest, EveryMissingByteIsRefused)
 {
     for (std::size_t i = 0; i < m_bytes.size(); ++i) {
         std::string bytes = m_bytes;
@@ -113,5 +123,10 @@ TEST_F(DamagedArchiveTest, EveryMissingByteIsRefused)
         EXPECT_TRUE(isRefused(bytes, "byte " + std::to_string(i))) << i;
     }
 }
+
+INSTANTIATE_TEST_SUITE_P(, DamagedArchiveTest,
+                         ::testing::Values(Whole{"Packed", packedZip},
+                                           Whole{"Wide", reference_host::wideZip}),
+                         [](const auto& instance) { return instance.param.what; });
 
 }  // namespace

@@ -257,6 +257,15 @@ TEST_F(HostileArchiveTest, BytesAfterTheArchiveAreRefused)
               "It is not a ZIP archive, or not all of one.");
 }
 
+TEST_F(HostileArchiveTest, BytesBehindTheDirectoryAreRefused)
+{
+    const std::string reason = "The archive's directory is not where it should be.";
+    std::string bytes = zipBytes({{.name = "a"}});
+    EXPECT_EQ(readingRefusal(bytes.insert(bytes.find("PK\x05\x06"), "x")), reason);
+    std::string wide = zipBytes({{.name = "a"}}, {.isWide = true});
+    EXPECT_EQ(readingRefusal(wide.insert(wide.find("PK\x06\x06"), "x")), reason);
+}
+
 TEST_F(HostileArchiveTest, SeveralDisksAreRefused)
 {
     EXPECT_EQ(readingRefusal(zipBytes({{.name = "a"}}, {.disk = 1})),

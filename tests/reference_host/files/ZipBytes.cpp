@@ -83,4 +83,19 @@ std::string zipBytes(const std::vector<ZipEntry>& entries, const ZipFrame& frame
            zipNumber(frame.comment.size(), 2) + frame.comment + frame.after;
 }
 
+std::string wideZip()
+{
+    const std::string lengths = zipNumber(4, 8) + zipNumber(4, 8);
+    const std::string position = zipNumber(30 + 6 + 4, 8);  // behind the first entry
+    return zipBytes({{.name = "narrow", .packed = "1234"},
+                     {.name = "wide",
+                      .packed = "5678",
+                      .packedSize = 0xFFFFFFFF,
+                      .unpackedSize = 0xFFFFFFFF,
+                      .position = 0xFFFFFFFF,
+                      .recordExtra = zipNumber(1, 2) + zipNumber(16, 2) + lengths,
+                      .headerExtra = zipNumber(1, 2) + zipNumber(24, 2) + lengths + position}},
+                    {.isWide = true});
+}
+
 }  // namespace reference_host

@@ -42,6 +42,10 @@ struct ZipFrame {
 
 std::string zipBytes(const std::vector<ZipEntry>& entries, const ZipFrame& frame = {});
 
+/// Entries "narrow" ("1234") and "wide" ("5678"). The lengths and the position of the second are in its wide
+/// field (ZIP64), as a writer puts them there that does not know yet how long the entry gets.
+std::string wideZip();
+
 /// The content as deflated data that does not compress it.
 std::string deflatedPlainly(std::string_view content);
 
