@@ -317,11 +317,12 @@ def tour(file: Path) -> bool:
             show_rename(model)
             heading("A dashboard")
             show_dashboard(model, show_table)
-        left_behind = Path(tempfile.gettempdir()) / file.stem
+        folder = Path(tempfile.gettempdir())
+        picture = folder / f"{file.stem}.svg"
         heading("A picture")
-        model.draw(left_behind.with_suffix(".svg"))
-        print(f"The diagram, with what is observed, is drawn in {left_behind}.svg.")
-        return show_file(model, left_behind.with_suffix(".ssp")) or loss
+        model.draw(picture)
+        print(f"The diagram, with what is observed, is drawn in {picture}.")
+        return show_file(model, folder / f"{file.stem}.ssp") or loss
 
 
 def main(files: list[Path]) -> int:
