@@ -25,7 +25,8 @@ constexpr std::uint64_t headerSize = 46;
 constexpr std::uint64_t recordHeaderSize = 30;
 constexpr std::uint64_t commentMaximum = 0xFFFF;
 constexpr std::uint64_t wideFieldId = 1;
-constexpr std::uint64_t elsewhere = 0xFFFFFFFF;    // in place of a number: it is in the wide field
+constexpr std::uint64_t elsewhere = 0xFFFFFFFF;  // in place of a number: it is in the wide field
+constexpr std::uint64_t lengthsFollowFlag = 0x0008;
 constexpr std::uint64_t encryptionFlags = 0x2041;  // encrypted, strongly encrypted, header masked
 
 /// Reads little-endian numbers and pieces, and refuses to reach outside the bytes.
@@ -145,7 +146,7 @@ void readWideNumbers(ArchiveEntry& entry, const Bytes& header, std::uint64_t ext
             continue;
         }
         if (end - position < 8) {
-            refuseEntry(entry.name, "EntryDamaged", {std::string("a number of its is missing")});
+            refuseEntry(entry.name, "EntryDamaged", {std::string("a length or position is missing")});
         }
         *number = header.number(position, 8);
         if (number == &entry.recordBegin) {
@@ -179,6 +180,30 @@ ArchiveEntry readHeader(const Bytes& bytes, std::uint64_t position)
     return entry;
 }
 
+/// The record's own header has to say what the directory says. Lengths and checksum may also follow the
+/// content instead; then those in the header mean nothing.
+void checkRecordHeader(const ArchiveEntry& entry, const Bytes& record)
+{
+    ArchiveEntry own;
+    own.name = record.piece(recordHeaderSize, record.number(26, 2));
+    own.method = record.number(8, 2);
+    own.packedSize = record.number(18, 4);
+    own.unpackedSize = record.number(22, 4);
+    if (own.name != entry.name) {
+        refuseEntry(entry.name, "EntryDamaged", {std::string("its header has another name")});
+    }
+    bool isSame = own.method == entry.method;
+    if ((record.number(6, 2) & lengthsFollowFlag) == 0) {
+        const std::uint64_t extra = recordHeaderSize + own.name.size();
+        readWideNumbers(own, record, extra, extra + record.number(28, 2));
+        isSame = isSame && own.packedSize == entry.packedSize && own.unpackedSize == entry.unpackedSize &&
+                 record.number(14, 4) == Bytes(entry.header).number(16, 4);
+    }
+    if (!isSame) {
+        refuseEntry(entry.name, "EntryDamaged", {std::string("its header and the directory differ")});
+    }
+}
+
 /// The entry's record, which has to end before the next one begins.
 void findRecord(ArchiveEntry& entry, const Bytes& bytes, std::uint64_t next)
 {
@@ -194,9 +219,7 @@ void findRecord(ArchiveEntry& entry, const Bytes& bytes, std::uint64_t next)
     if (begin > record.size() || entry.packedSize > record.size() - begin) {
         refuseEntry(entry.name, "EntryDamaged", {std::string("it reaches into what follows it")});
     }
-    if (record.piece(recordHeaderSize, record.number(26, 2)) != entry.name) {
-        refuseEntry(entry.name, "EntryDamaged", {std::string("its header has another name")});
-    }
+    checkRecordHeader(entry, record);
     entry.isEncrypted = entry.isEncrypted || (record.number(6, 2) & encryptionFlags) != 0;
 }
 

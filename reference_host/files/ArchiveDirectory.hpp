@@ -33,8 +33,9 @@ struct ArchiveDirectory {
 };
 
 /// Takes the bytes of an archive apart: it begins with its first record, no record reaches into another,
-/// the directory stands between the last one and the end, and the archive's comment ends it. Names, methods
-/// and sizes are reported, not judged, and no content is looked at. Whatever is not so is a host error
+/// the directory stands between the last one and the end, the archive's comment ends it, and each entry's own
+/// header says what the directory says. Names, methods and sizes are reported, not judged, and no content is
+/// looked at. Whatever is not so is a host error
 /// ("InvalidArchive", "InvalidEntry"), and so are more entries than `maximum`.
 ArchiveDirectory readArchiveDirectory(std::string_view bytes, std::size_t maximum);
 

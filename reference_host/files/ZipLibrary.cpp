@@ -111,7 +111,7 @@ void ZipReader::Discard::operator()(zip* archive) const noexcept
 }
 
 ZipReader::ZipReader(std::string_view bytes, const std::vector<ArchiveEntry>& entries)
-    : m_archive(open(bufferSource(bytes), ZIP_CHECKCONS | ZIP_RDONLY))
+    : m_archive(open(bufferSource(bytes), ZIP_RDONLY))
 {
     const zip_int64_t count = zip_get_num_entries(m_archive.get(), 0);
     if (!std::cmp_equal(count, entries.size())) {

@@ -19,8 +19,9 @@ class ZipReader {
 public:
     ZipReader() = default;
 
-    /// The library's own checks of consistency have to pass, and it has to see the same entries in the same
-    /// order as we do. REQUIRES: the bytes outlive the reader.
+    /// The library has to see the same entries in the same order as we do. Its own checks of consistency are
+    /// not asked for: they refuse what common tools write into a pipe. REQUIRES: the bytes outlive the
+    /// reader.
     ZipReader(std::string_view bytes, const std::vector<ArchiveEntry>& entries);
 
     /// Hands the content of the entry on, part by part, no more than it declares; in the end length and

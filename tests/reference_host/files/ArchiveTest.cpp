@@ -159,7 +159,7 @@ TEST_F(ArchiveTest, LengthsMayFollowTheContent)
     std::string bytes =
         zipBytes({{.name = "a", .packed = content, .flags = 8, .after = "PK\x07\x08" + lengths},
                   {.name = "b", .packed = "more"}});
-    bytes.replace(14, 12, std::string(12, '\0'));
+    bytes.replace(14, 8, std::string(8, '\0'));  // some tools leave the third, the unpacked length
     const Archive archive(bytes);
     EXPECT_EQ(archive.read("a"), content);
     EXPECT_EQ(archive.read("b"), "more");

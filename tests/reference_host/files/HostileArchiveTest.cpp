@@ -13,6 +13,7 @@ using reference_host::Archive;
 using reference_host::ArchiveChange;
 using reference_host::ArchiveLimits;
 using reference_host::deflatedPlainly;
+using reference_host::wideZip;
 using reference_host::zipBytes;
 using reference_host::zipChecksum;
 using reference_host::ZipEntry;
@@ -235,6 +236,20 @@ TEST_F(HostileArchiveTest, EntryOfTwoNamesIsRefused)
               "\"a\": The entry is damaged: its header has another name.");
 }
 
+TEST_F(HostileArchiveTest, EntryWhoseHeaderDiffersFromTheDirectoryIsRefused)
+{
+    const std::string bytes = zipBytes({{.name = "a", .packed = "1"}});
+    for (const std::size_t position : {8U, 14U, 18U, 22U}) {  // method, checksum, lengths
+        std::string other = bytes;
+        other[position] = static_cast<char>(other[position] + 1);
+        EXPECT_EQ(readingRefusal(other), "\"a\": The entry is damaged: its header and the directory differ.");
+    }
+    std::string wide = wideZip();
+    const std::size_t length = wide.find("PK\x03\x04", 1) + 30 + 4 + 4;
+    wide.replace(length, 8, zipNumber(5, 8));
+    EXPECT_EQ(readingRefusal(wide), "\"wide\": The entry is damaged: its header and the directory differ.");
+}
+
 TEST_F(HostileArchiveTest, EntryWithAnotherNameAmongItsExtraFieldsIsRefused)
 {
     const std::string path = '\x01' + zipNumber(zipChecksum("a"), 4) + "../b";
@@ -334,9 +349,14 @@ TEST_F(HostileArchiveTest, LengthsWhoseSumOverflowsAreRefused)
     std::vector<ZipEntry> entries;
     for (const char* name : {"a", "b"}) {
         const std::string wide = zipNumber(1, 2) + zipNumber(8, 2) + zipNumber(half, 8);
-        entries.push_back({.name = name, .method = 8, .unpackedSize = 0xFFFFFFFF, .headerExtra = wide});
+        entries.push_back({.name = name,
+                           .method = 8,
+                           .unpackedSize = 0xFFFFFFFF,
+                           .recordExtra = wide,
+                           .headerExtra = wide});
     }
-    EXPECT_EQ(readingRefusal(zipBytes(entries)), "The archive unpacks to more than 2147483648 bytes.");
+    EXPECT_EQ(readingRefusal(zipBytes(entries), {.unpackedBytes = ~std::size_t{0}}),
+              "The archive unpacks to more than 18446744073709551615 bytes.");
 }
 
 TEST_F(HostileArchiveTest, BombThatDeclaresItsLengthIsNotUnpacked)
