@@ -223,7 +223,7 @@ OwnedValue readStruct(const JsonView& object, const Values& values, std::vector<
     } else {
         object.requireOnly({"class", "size", "fields", "values"});
     }
-    std::vector<std::string> names = readFieldNames(object.member("fields"));
+    const std::vector<std::string> names = readFieldNames(object.member("fields"));
     const JsonView place = object.member("values");
     if (!values.empty()) {
         place.refuse("an array of values for each field");
