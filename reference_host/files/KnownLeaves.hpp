@@ -14,7 +14,7 @@
 namespace reference_host {
 
 /// Makes the values that a document is full of. Those that are equal to one of the last few share its
-/// elements, which halves the memory of a large struct array.
+/// elements, which takes a third off the memory of a large struct array whose fields repeat themselves.
 class KnownLeaves {
 public:
     OwnedValue number(double number)
