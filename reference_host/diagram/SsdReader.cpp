@@ -131,4 +131,11 @@ SsdDocument readSsd(std::istream& in, const std::string& file, const SsdLimits& 
     return handler.take();
 }
 
+SsdDocument readSsd(std::string_view document, const std::string& file, const SsdLimits& limits)
+{
+    SsdHandler handler;
+    readXml(document, file, {limits.bytes, limits.depth}, handler);
+    return handler.take();
+}
+
 }  // namespace reference_host

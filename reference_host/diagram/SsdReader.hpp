@@ -9,6 +9,7 @@
 #include <iosfwd>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace reference_host {
@@ -46,6 +47,8 @@ struct SsdDocument {
 /// elements of one name in a system, or a connector without a name is a host error
 /// ("InvalidDiagram": file, line, reason).
 ZM_REFHOST_API SsdDocument readSsd(std::istream& in, const std::string& file, const SsdLimits& limits = {});
+ZM_REFHOST_API SsdDocument readSsd(std::string_view document, const std::string& file,
+                                   const SsdLimits& limits = {});
 
 }  // namespace reference_host
 

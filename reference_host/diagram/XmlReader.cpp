@@ -2,6 +2,7 @@
 
 #include "host/Exceptions.hpp"
 #include "reference_host/diagram/DiagramErrors.hpp"
+#include "reference_host/diagram/XmlEncoding.hpp"
 
 #include <expat.h>
 #include <exception>
@@ -13,7 +14,7 @@ namespace reference_host {
 
 namespace {
 
-constexpr int chunkSize = 1 << 18;
+constexpr std::size_t pieceSize = std::size_t{1} << 18U;
 
 struct ParserDeleter {
     void operator()(XML_Parser parser) const noexcept { XML_ParserFree(parser); }
@@ -25,7 +26,7 @@ using Parser = std::unique_ptr<std::remove_pointer_t<XML_Parser>, ParserDeleter>
 class XmlReading {
 public:
     XmlReading(const std::string& file, const XmlLimits& limits, XmlHandler& handler)
-        : m_file(file), m_limits(limits), m_handler(handler), m_parser(XML_ParserCreate(nullptr))
+        : m_file(file), m_limits(limits), m_handler(handler), m_parser(XML_ParserCreate("UTF-8"))
     {
         if (m_parser == nullptr) {
             zmsvThrowOutOfMemory();
@@ -35,29 +36,18 @@ public:
         XML_SetStartDoctypeDeclHandler(m_parser.get(), &XmlReading::onDocumentType);
     }
 
-    void read(std::istream& in)
-    {
-        bool isLast = false;
-        while (!isLast) {
-            in.read(chunk(), chunkSize);
-            if (in.bad()) {
-                throw diagramError("UnreadableFile", {m_file, std::string("Reading failed.")});
-            }
-            const auto count = static_cast<int>(in.gcount());
-            isLast = in.eof();
-            parse(count, isLast);
-        }
-    }
-
     void read(std::string_view document)
     {
-        bool isLast = false;
-        while (!isLast) {
-            const std::size_t count = document.copy(chunk(), chunkSize);
-            document.remove_prefix(count);
-            isLast = document.empty();
-            parse(static_cast<int>(count), isLast);
+        if (document.size() > m_limits.bytes) {
+            refuse(1, diagramError("TooLarge", {std::uint64_t{m_limits.bytes}}));
         }
+        std::string buffer;
+        std::string_view rest = utf8(document, buffer);
+        do {
+            const std::string_view piece = rest.substr(0, pieceSize);
+            rest.remove_prefix(piece.size());
+            parse(piece, rest.empty());
+        } while (!rest.empty());
     }
 
 private:
@@ -99,15 +89,6 @@ private:
         }
     }
 
-    char* chunk() const
-    {
-        void* buffer = XML_GetBuffer(m_parser.get(), chunkSize);
-        if (buffer == nullptr) {
-            zmsvThrowOutOfMemory();
-        }
-        return static_cast<char*>(buffer);
-    }
-
     void enter()
     {
         if (++m_depth > m_limits.depth) {
@@ -115,13 +96,19 @@ private:
         }
     }
 
-    void parse(int count, bool isLast)
+    std::string_view utf8(std::string_view document, std::string& buffer) const
     {
-        m_bytes += static_cast<std::size_t>(count);
-        if (m_bytes > m_limits.bytes) {
-            refuse(line(), diagramError("TooLarge", {std::uint64_t{m_limits.bytes}}));
+        try {
+            return asUtf8(document, buffer);
+        } catch (const zmsvException& error) {
+            refuse(1, error);
         }
-        const XML_Status status = XML_ParseBuffer(m_parser.get(), count, isLast ? XML_TRUE : XML_FALSE);
+    }
+
+    void parse(std::string_view piece, bool isLast)
+    {
+        const XML_Status status = XML_Parse(m_parser.get(), piece.data(), static_cast<int>(piece.size()),
+                                            isLast ? XML_TRUE : XML_FALSE);
         if (m_failure) {
             rethrow();
         }
@@ -168,7 +155,6 @@ private:
     const XmlLimits& m_limits;
     XmlHandler& m_handler;
     Parser m_parser;
-    std::size_t m_bytes = 0;
     std::size_t m_depth = 0;
     std::exception_ptr m_failure;
     std::uint64_t m_failureLine = 0;
@@ -188,7 +174,17 @@ const char* XmlAttributes::find(std::string_view name) const noexcept
 
 void readXml(std::istream& in, const std::string& file, const XmlLimits& limits, XmlHandler& handler)
 {
-    XmlReading(file, limits, handler).read(in);
+    std::string document;
+    while (in && document.size() <= limits.bytes) {
+        const std::size_t size = document.size();
+        document.resize(size + pieceSize);
+        in.read(document.data() + size, pieceSize);
+        document.resize(size + static_cast<std::size_t>(in.gcount()));
+    }
+    if (in.bad()) {
+        throw diagramError("UnreadableFile", {file, std::string("Reading failed.")});
+    }
+    readXml(document, file, limits, handler);
 }
 
 void readXml(std::string_view document, const std::string& file, const XmlLimits& limits, XmlHandler& handler)

@@ -30,7 +30,7 @@ private:
     const char* const* m_list;
 };
 
-/// Where a tag stands in the document.
+/// Where a tag stands in the document, as UTF-8.
 struct XmlTag {
     std::uint64_t line;  ///< 1-based, of its first character
     std::size_t begin;   ///< in bytes from the start of the document

@@ -1,6 +1,7 @@
 #include "reference_host/files/SsdWriter.hpp"
 
 #include "reference_host/diagram/SsdReader.hpp"
+#include "reference_host/diagram/XmlEncoding.hpp"
 #include "reference_host/files/SsdEditing.hpp"
 #include "reference_host/files/XmlText.hpp"
 
@@ -33,7 +34,14 @@ public:
 
 std::string writeSsd(const Model& model, const std::string& document)
 {
-    const std::string utf8 = document.empty() ? leastDescription(model) : asUtf8Document(document);
+    std::string utf8;
+    if (document.empty()) {
+        utf8 = leastDescription(model);
+    } else {
+        std::string buffer;
+        utf8 = asUtf8(document, buffer);
+        declareUtf8(utf8);
+    }
     SsdEditing editing(model, utf8);
     std::string edited = editing.run();
     if (!editing.isEdited()) {

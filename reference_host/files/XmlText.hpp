@@ -8,10 +8,6 @@
 
 namespace reference_host {
 
-/// A document that the XML reader has taken, in whatever encoding, as UTF-8; its declaration, if it names an
-/// encoding, names that one. Bytes that are UTF-8 already stay as they are.
-std::string asUtf8Document(const std::string& document);
-
 /// Appends a name as the value of an attribute, for either kind of quotes. A name with a character that XML
 /// cannot hold is a host error ("UnwritableName").
 void appendAttributeValue(std::string& out, const std::u16string& name);
