@@ -161,7 +161,7 @@ void SsdEditing::editTag(const SsdNode& node, const std::vector<SsdAttribute>& a
     }
     copyTo(end);
     for (std::size_t i = 0; i < attributes.size(); ++i) {
-        if (missing[i]) {
+        if (missing[i] && attributes[i].value) {
             addAttribute(attributes[i].name, *attributes[i].value);
         }
     }
