@@ -66,7 +66,7 @@ void listDiagnostics(std::uint64_t after, Lines& lines)
 void listBlocks(std::uint64_t after, Lines& lines)
 {
     for (const auto& [address, block] : openMemoryBlocks()) {
-        if (block.serial > after) {
+        if (block.serial > after && !block.meantToLive) {
             lines.push_back("block " + std::to_string(block.serial) + " of " + std::to_string(block.size) +
                             " bytes, made by " + describeCallSite(block.madeBy));
         }
@@ -138,7 +138,12 @@ std::string Ledger::report()
     listBlocks(0, rest);
     listCounters({}, rest);
     listMisuses(0, rest);
-    std::string text = std::to_string(liveValues()) + " live values\n" + valuesByClassAndPlace();
+    const std::size_t values = liveValues();
+    if (values == 0 && rest.empty()) {
+        return "nothing is open\n";
+    }
+    std::string text =
+        std::to_string(values) + (values == 1 ? " live value\n" : " live values\n") + valuesByClassAndPlace();
     for (const std::string& line : rest) {
         text += line + "\n";
     }

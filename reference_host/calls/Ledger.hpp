@@ -46,7 +46,8 @@ public:
     /// misuses since then among them. None when the ledger is closed.
     static std::vector<std::string> openSince(const Snapshot& snapshot);
 
-    /// A page to read: live values by class and place of creation, with counts, then the rest.
+    /// A page to read: live values by class and place of creation, with counts, then the rest. "nothing is
+    /// open" when the ledger is closed.
     static std::string report();
 
     /// The number of undeclared owned values that are alive.

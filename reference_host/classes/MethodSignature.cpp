@@ -26,7 +26,16 @@ MethodSignature::MethodSignature()
 
 MethodSignature::~MethodSignature()
 {
+    setMeantToLive(false);
     signatures().close();
+}
+
+void MethodSignature::setMeantToLive(bool isMeant) const noexcept
+{
+    if (isMeant != m_isMeantToLive) {
+        m_isMeantToLive = isMeant;
+        signatures().declareMeantToLive(isMeant ? 1 : -1);
+    }
 }
 
 void MethodSignature::addInput(const nvcos::COSType* type)

@@ -24,6 +24,9 @@ public:
     void appendOutput(const nvcos::COSType* type);
     void makeInputsOptional(int count);
 
+    /// Tells the ledger whether the signature is one that stays open, as those of registered methods do.
+    void setMeantToLive(bool isMeant) const noexcept;
+
     const std::vector<const nvcos::COSType*>& inputs() const noexcept { return m_inputs; }
     const std::vector<const nvcos::COSType*>& outputs() const noexcept { return m_outputs; }
     std::size_t optionalInputs() const noexcept { return m_optionalInputs; }
@@ -33,6 +36,7 @@ private:
     std::vector<const nvcos::COSType*> m_inputs;
     std::vector<const nvcos::COSType*> m_outputs;
     std::size_t m_optionalInputs = 0;
+    mutable bool m_isMeantToLive = false;
 };
 
 }  // namespace reference_host

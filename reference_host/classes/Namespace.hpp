@@ -21,7 +21,7 @@ public:
     ~Namespace() override;
 
     /// Becomes the owner of the description; a namespace of the host's own has none.
-    void adopt(nvcos::COSNamespaceInfo* info) noexcept { m_info.reset(info); }
+    void adopt(nvcos::COSNamespaceInfo* info) noexcept { m_info = registered(info); }
 
     void addInnerNamespace(nvcos::COSNamespaceInfo* info) override;
     void addClass(nvcos::COSClassInfo* info, int first, int second) override;
@@ -58,7 +58,7 @@ private:
     void removeContents();
 
     std::string m_fullName;
-    std::unique_ptr<nvcos::COSNamespaceInfo> m_info;
+    Registered<nvcos::COSNamespaceInfo> m_info;
     State m_state = State::Undefined;
     std::vector<std::unique_ptr<Namespace>> m_inner;
     std::vector<std::unique_ptr<RegisteredClass>> m_classes;

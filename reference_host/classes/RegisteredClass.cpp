@@ -76,7 +76,7 @@ void RegisteredClass::insertProperty(nvcos::COSPropInfo* property)
                                          std::to_string(property->getAccess()));
     }
     m_properties.push_back({name, nullptr});
-    m_properties.back().info.reset(property);
+    m_properties.back().info = registered(property);
 }
 
 void RegisteredClass::addMethod(nvcos::COSMethodInfo* method)
@@ -93,7 +93,7 @@ void RegisteredClass::insertMethod(nvcos::COSMethodInfo* method)
         throwClassError("NoSignature", "method " + m_fullName + "." + name + " has no signature");
     }
     m_methods.push_back({name, nullptr});
-    m_methods.back().info.reset(method);
+    m_methods.back().info = registered(method);
 }
 
 void* RegisteredClass::getInstanceData(const nvcos::COSInterface* instance) const noexcept

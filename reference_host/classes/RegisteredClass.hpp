@@ -3,10 +3,10 @@
 
 #include "host/ClassDescriptors.hpp"
 #include "reference_host/classes/MethodSignature.hpp"
+#include "reference_host/classes/Registered.hpp"
 
 #include <cstddef>
 #include <deque>
-#include <memory>
 #include <string>
 
 namespace reference_host {
@@ -27,18 +27,18 @@ class RegisteredClass final : public nvcos::COSClass {
 public:
     struct Method {
         std::string name;
-        std::unique_ptr<nvcos::COSMethodInfo> info;
+        Registered<nvcos::COSMethodInfo> info;
     };
     struct Property {
         std::string name;
-        std::unique_ptr<nvcos::COSPropInfo> info;
+        Registered<nvcos::COSPropInfo> info;
     };
 
     RegisteredClass(std::string fullName, std::string simpleName, ClassOrigin origin);
     ~RegisteredClass() override;
 
     /// Becomes the owner of the class's description.
-    void adopt(nvcos::COSClassInfo* info) noexcept { m_info.reset(info); }
+    void adopt(nvcos::COSClassInfo* info) noexcept { m_info = registered(info); }
 
     void addProperty(nvcos::COSPropInfo* property) override;
     void addMethod(nvcos::COSMethodInfo* method) override;
@@ -79,7 +79,7 @@ private:
     std::string m_fullName;
     std::string m_simpleName;
     ClassOrigin m_origin;
-    std::unique_ptr<nvcos::COSClassInfo> m_info;
+    Registered<nvcos::COSClassInfo> m_info;
     State m_state = State::Untouched;
     std::deque<Method> m_methods;
     std::deque<Property> m_properties;

@@ -44,7 +44,7 @@ private:
 class WithStaticMethods final : public nvcos::COSClassInfo {
 public:
     WithStaticMethods(std::unique_ptr<nvcos::COSClassInfo> described, std::vector<StaticMethod> methods)
-        : m_described(std::move(described)), m_methods(std::move(methods))
+        : m_described(registered(described.release())), m_methods(std::move(methods))
     {
     }
 
@@ -72,7 +72,7 @@ public:
     }
 
 private:
-    std::unique_ptr<nvcos::COSClassInfo> m_described;
+    Registered<nvcos::COSClassInfo> m_described;  // with this description
     std::vector<StaticMethod> m_methods;
 };
 

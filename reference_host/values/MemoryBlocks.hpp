@@ -14,6 +14,7 @@ struct MemoryBlock {
     std::uint64_t serial = 0;
     std::size_t size = 0;
     CallSite madeBy;
+    bool meantToLive = false;  ///< declared to the ledger
 };
 
 /// Those that are open, by address. Never destroyed: libraries give blocks back while the process goes

@@ -21,7 +21,7 @@ void* allocate(std::size_t size) noexcept
         return nullptr;
     }
     try {
-        openMemoryBlocks()[block] = {++blockCount, size, CallSite::current()};
+        openMemoryBlocks()[block] = {++blockCount, size, CallSite::current(), false};
     } catch (const std::bad_alloc&) {
         std::free(block);
         return nullptr;

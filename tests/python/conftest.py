@@ -18,21 +18,8 @@ PROJECT = Path(__file__).resolve().parents[2]
 GREENHOUSE = PROJECT / "examples" / "greenhouse.ssd"
 
 
-@pytest.fixture(scope="session", autouse=True)
-def _classes_in_use() -> None:
-    """What classes register when they are first used stays open for good; it is no test's leak."""
-
-    def use(namespace: Any) -> None:
-        for name in dir(namespace):
-            inner = getattr(namespace, name)
-            if isinstance(inner, zmhost.Namespace):
-                use(inner)
-
-    use(zmhost.Zelmar)
-
-
 @pytest.fixture(autouse=True)
-def _closed_ledger(request: pytest.FixtureRequest, _classes_in_use: None) -> Iterator[None]:
+def _closed_ledger(request: pytest.FixtureRequest) -> Iterator[None]:
     functions = set(zmhost.host_functions())
     zmhost.warnings.clear()
     before = zmhost.ledger()

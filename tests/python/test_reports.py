@@ -7,6 +7,19 @@ from zmhost import Zelmar
 from zmhost.faults import FaultKind
 
 
+def test_the_ledger_of_an_idle_host_is_closed(run):
+    program = """
+import zmhost
+from zmhost import Zelmar
+print(zmhost.ledger())
+Zelmar.HMI.StreamingClients().add(Zelmar.HMI.SignalClient())
+Zelmar.HMI.InstrumentedSignals().add(Zelmar.HMI.SignalSpecification())
+print(zmhost.ledger())
+"""
+    result = run("-c", program)
+    assert (result.returncode, result.stdout.split("\n")) == (0, ["nothing is open", "", "nothing is open", "", ""])
+
+
 def test_the_ledger_counts_live_values(signals):
     before = zmhost.ledger()
     held = zmhost.StructArray([{"a": 1}])

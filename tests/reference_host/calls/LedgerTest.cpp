@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <iostream>
 #include <string>
 
 namespace {
@@ -129,6 +130,16 @@ TEST_F(LedgerTest, ReportsValuesByClassAndPlace)
 // Each in a process of its own, where nothing else is open.
 using LedgerDeathTest = HostTest;
 
+TEST_F(LedgerDeathTest, ReportsThatNothingIsOpen)
+{
+    EXPECT_EXIT(
+        {
+            std::cerr << Ledger::report();
+            std::exit(0);
+        },
+        ::testing::ExitedWithCode(0), "^nothing is open\n$");
+}
+
 TEST_F(LedgerDeathTest, EndsAProgramWithItsOwnCodeWhenAllIsClosed)
 {
     EXPECT_EXIT(
@@ -146,8 +157,7 @@ TEST_F(LedgerDeathTest, EndsAProgramWithAListWhenAValueIsLeft)
             nvCreateDoubleScalar(1);
             std::exit(Ledger::close(0));
         },
-        ::testing::ExitedWithCode(3),
-        "not closed.*\n1 live values\n  1 double, made by nvCreateDoubleScalar");
+        ::testing::ExitedWithCode(3), "not closed.*\n1 live value\n  1 double, made by nvCreateDoubleScalar");
 }
 
 TEST_F(LedgerDeathTest, KeepsTheCodeOfAProgramThatFailed)

@@ -1,3 +1,4 @@
+#include "reference_host/calls/Journal.hpp"
 #include "reference_host/classes/RecordClass.hpp"
 #include "tests/reference_host/classes/ClassesTest.hpp"
 
@@ -148,13 +149,31 @@ TEST_F(ClassSystemTest, ALibraryCannotAddAClassThatHostCodeContributed)
     EXPECT_EQ(hostError([] { ClassSystem::classes("A"); }, {"\"Plain\"", "A"}), "DuplicateName");
 }
 
+TEST_F(ClassSystemTest, WhatIsRegisteredIsMeantToLive)
+{
+    const Ledger::Snapshot before = Ledger::snapshot();
+    defineThing({"go", {"A.Thing"}, {}, 0, nullptr});
+    makeThing();
+    EXPECT_EQ(Ledger::openSince(before), Names{});
+}
+
+TEST_F(ClassSystemTest, ADescriptorThatIsNotRegisteredYetIsOpen)
+{
+    const Ledger::Snapshot before = Ledger::snapshot();
+    auto info = std::make_unique<test_classes::MethodInfo>(test_classes::Method{"go", {}, {}, 0, nullptr});
+    EXPECT_EQ(Ledger::openSince(before).size(), 3U);  // its memory, itself and its signature
+    info.reset();
+    EXPECT_EQ(Ledger::openSince(before), Names{});
+}
+
 TEST_F(ClassSystemTest, ResettingDeletesEveryDescriptor)
 {
     const Ledger::Snapshot before = Ledger::snapshot();
     defineThing({"go", {"A.Thing"}, {}, 0, nullptr});
     makeThing();
-    EXPECT_FALSE(Ledger::openSince(before).empty());
+    Journal::startRecording();
     ClassSystem::reset();
+    EXPECT_EQ(Journal::count("nvFree"), 2U);  // the class and its method
     EXPECT_EQ(Ledger::openSince(before), Names{});
     EXPECT_EQ(ClassSystem::namespaces(), Names{});
 }
