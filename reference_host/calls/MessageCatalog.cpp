@@ -24,7 +24,8 @@ struct CatalogRow {
 };
 
 constexpr CatalogRow initialRows[] = {
-    {libraryCatalog, "InvalidElementIndex", "The index is not that of an element; there are {0} elements."},
+    {libraryCatalog, "InvalidElementIndex",
+     "The index is not that of an element; the number of elements is {0}."},
     {libraryCatalog, "NoCollection", "The object has no collection behind it."},
     {libraryCatalog, "SignalObserversSetParamInvalidType",
      "The observers parameter must be an object of class Zelmar.HMI.ModelObservers."},
@@ -45,7 +46,7 @@ constexpr CatalogRow initialRows[] = {
     {hostCatalog, "NullArgument", "{0}: an argument that must be there is null"},
     {hostCatalog, "WrongClass", "{0}: needs {1}, not {2}"},
     {hostCatalog, "EmptyValue", "{0}: needs a value with an element, not {1}"},
-    {hostCatalog, "IndexPastTheEnd", "{0}: index {1} is past the end; there are {2} elements"},
+    {hostCatalog, "IndexPastTheEnd", "{0}: index {1} is past the end; the number of elements is {2}"},
     {hostCatalog, "NoSuchField", "{0}: there is no field \"{1}\" in {2}"},
     {hostCatalog, "FieldNamedTwice", "{0}: the field \"{1}\" is named twice"},
     {hostCatalog, "WrongNumberOfElements", "{0}: {1} elements do not fill {2} places"},

@@ -14,7 +14,7 @@ constexpr const char* libraryCatalog = "dvx_hmi_foundation:errors";
 TEST(MessageCatalog, HasTheLibrarysMessages)
 {
     EXPECT_EQ(MessageCatalog::text({libraryCatalog, "InvalidElementIndex", {std::uint64_t{3}}}),
-              "The index is not that of an element; there are 3 elements.");
+              "The index is not that of an element; the number of elements is 3.");
     EXPECT_EQ(MessageCatalog::text({libraryCatalog, "NoCollection"}),
               "The object has no collection behind it.");
     EXPECT_EQ(MessageCatalog::text({libraryCatalog, "SignalObserversSetParamInvalidType"}),
