@@ -161,8 +161,9 @@ void SsdEditing::editTag(const SsdNode& node, const std::vector<SsdAttribute>& a
     }
     copyTo(end);
     for (std::size_t i = 0; i < attributes.size(); ++i) {
-        if (missing[i] && attributes[i].value) {
-            addAttribute(attributes[i].name, *attributes[i].value);
+        const std::optional<std::u16string>& value = attributes[i].value;
+        if (missing[i] && value) {
+            addAttribute(attributes[i].name, *value);
         }
     }
     for (const auto& [prefix, uri] : declarations) {
