@@ -31,7 +31,9 @@ OwnedArray InstrumentedSignals::getPersistenceData() const
 
     const std::size_t count = m_signals.size();
     OwnedArray data(nvCreateStructArray(1, &count, fieldCount, fieldNames));
-    // The host answers for every element and may change the collection meanwhile.
+    // The host answers for every element and may change the collection meanwhile. When it removes elements,
+    // the last of the array stay unset, for a struct array does not shrink. Whoever loads it gets the
+    // elements before them and then the host error that a required number is missing.
     for (std::size_t i = 0; i < count && i < m_signals.size(); ++i) {
         const SignalSpecificationPtr signal = m_signals[i];
         signal->getPersistenceData(data.get(), i, m_modelName);

@@ -409,6 +409,19 @@ TEST_F(ReenteredInstrumentedSignals, SavingGoesOnWhenTheHostRemovesElements)
     EXPECT_EQ(rh::field(data.get(), 5, "BlockPath_"), nullptr) << "there was no such element any more";
 }
 
+TEST_F(ReenteredInstrumentedSignals, LoadingWhatWasSavedMeanwhileGivesTheElementsThatWereWritten)
+{
+    const rh::OwnedValue first = rh::makeNumber(1, nvClassID::UInt32);
+    const rh::ScopedHostFunction removing("getAlignedBlockPath", [&](rh::HostFunctionCall& call) {
+        callMethod("remove", {first.get()});
+        call.setOutput(0, rh::makeText("aligned"));
+    });
+    const OwnedArray data = signals().getPersistenceData();
+    InstrumentedSignals loaded;
+    EXPECT_THROW(loaded.setFromPersistenceData(data.get()), zmsvException);
+    EXPECT_EQ(loaded.getCount(), 5U);
+}
+
 TEST_F(ReenteredInstrumentedSignals, SavingGoesOnWhenTheHostRemovesTheElementAtHand)
 {
     const rh::ScopedHostFunction removing("Zelmar.HMI.SignalSpecification", [&](rh::HostFunctionCall& call) {
