@@ -6,6 +6,7 @@
 #include "reference_host/classes/ModelObserversClass.hpp"
 #include "reference_host/diagram/CollectionAccess.hpp"
 #include "reference_host/diagram/DiagramErrors.hpp"
+#include "reference_host/diagram/EditHistory.hpp"
 #include "reference_host/diagram/OpenModels.hpp"
 #include "reference_host/diagram/SignalRecords.hpp"
 #include "reference_host/diagram/SsdReader.hpp"
@@ -17,13 +18,13 @@
 #include "reference_host/files/ToolData.hpp"
 #include "reference_host/files/ValueJson.hpp"
 #include "reference_host/values/ValueMaking.hpp"
+#include "reference_host/values/ValueReading.hpp"
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
 #include <fstream>
 #include <optional>
-#include <sstream>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -83,6 +84,22 @@ auto inEntry(const std::filesystem::path& file, const char* entry, const Work& w
     }
 }
 
+/// The same of an archive as a whole; its refusals name the entry.
+template <class Work>
+auto inArchive(const std::filesystem::path& file, const Work& work)
+{
+    try {
+        return work();
+    } catch (const zmsvException& reason) {
+        throw fileError("InvalidArchiveFile", {shown(file), std::string(reason.what())});
+    }
+}
+
+bool isOpen(const Model& model)
+{
+    return OpenModels::find(model.name()).get() == &model;
+}
+
 // ---- opening ----------------------------------------------------------------------------------------
 
 std::string readFile(const std::filesystem::path& file, std::size_t limit)
@@ -118,11 +135,7 @@ std::shared_ptr<const ModelSource> readSource(const std::filesystem::path& file)
         source->description = std::move(bytes);
         return source;
     }
-    try {
-        source->archive = std::make_unique<Archive>(std::move(bytes));
-    } catch (const zmsvException& reason) {
-        throw fileError("InvalidArchiveFile", {shown(file), std::string(reason.what())});
-    }
+    source->archive = inArchive(file, [&bytes] { return std::make_unique<const Archive>(std::move(bytes)); });
     source->description =
         inEntry(file, descriptionEntry, [&source] { return source->archive->read(descriptionEntry); });
     return source;
@@ -131,8 +144,18 @@ std::shared_ptr<const ModelSource> readSource(const std::filesystem::path& file)
 SsdDocument readDescription(const std::filesystem::path& file, const ModelSource& source)
 {
     const std::string name = source.archive ? shown(file) + ": " + descriptionEntry : shown(file);
-    std::istringstream in(source.description);
-    return readSsd(in, name);
+    return readSsd(source.description, name);
+}
+
+/// The value that an entry keeps. The elements of a struct array without fields are nothing in the text, so
+/// that it could claim any number of them.
+OwnedValue readPersistence(const std::string& json)
+{
+    OwnedValue persistence = valueFromJson(json);
+    if (persistence && elementCount(persistence.get()) > json.size()) {
+        throw fileError("JsonUnexpected", {std::string("/"), std::string("elements with fields")});
+    }
+    return persistence;
 }
 
 /// A collection of the class that has loaded the "Persistence" which the archive keeps; null when the
@@ -144,7 +167,7 @@ OwnedValue readCollection(const std::filesystem::path& file, const Archive& arch
         return nullptr;
     }
     return inEntry(file, entry, [&] {
-        const OwnedValue persistence = valueFromJson(archive.read(entry));
+        const OwnedValue persistence = readPersistence(archive.read(entry));
         const OwnedValue name = makeText(modelName);
         OwnedValue collection = ClassObjects::construct(className, {name.get()});
         ClassObjects::setProperty(collection.get(), "Persistence", persistence.get());
@@ -168,6 +191,27 @@ void readObservers(const std::filesystem::path& file, const Archive& archive, Mo
     model.setObservers(observers.front().get());
 }
 
+/// Adds the model to the open ones, with its observers. Scripts run meanwhile; one that closes the model, or
+/// gives it another name, has ended the opening.
+void openWithObservers(const std::filesystem::path& file, const Archive& archive,
+                       const std::shared_ptr<Model>& model, Steps& steps)
+{
+    const std::u16string name = model->name();
+    OpenModels::add(model);
+    try {
+        readObservers(file, archive, *model, steps);
+        if (OpenModels::find(name) != model) {
+            throw diagramError("ModelNotOpen", {toUtf8(name)});
+        }
+    } catch (...) {  // whatever it is, a half-open model is worse
+        model->setObservers(nullptr);
+        if (isOpen(*model)) {
+            OpenModels::close(model->name());
+        }
+        throw;
+    }
+}
+
 void report(const zmsvException& warning)
 {
     Warnings::report({warning.id(), warning.what()});
@@ -186,6 +230,51 @@ void reportPassedOver(const std::filesystem::path& file, const std::vector<SsdWa
 
 // ---- saving -----------------------------------------------------------------------------------------
 
+/// A model while it is saved. Scripts run meanwhile: they hear of the progress, and the host asks them. What
+/// they edit may be in one entry and not in the other.
+class SavedModel {
+public:
+    explicit SavedModel(const std::shared_ptr<const Model>& model)
+        : m_model(model),
+          m_signals(modelSignals(*model)),
+          m_clients(modelClients(*model)),
+          m_counts(counts()),
+          m_listener(model->history().addListener([this](const DiagramChange&) { m_isEdited = true; }))
+    {
+    }
+    ~SavedModel() { m_model->history().removeListener(m_listener); }
+    SavedModel(const SavedModel&) = delete;
+    SavedModel& operator=(const SavedModel&) = delete;
+
+    const Model& model() const noexcept { return *m_model; }
+    const nvArray* signals() const noexcept { return m_signals.get(); }
+    const nvArray* clients() const noexcept { return m_clients.get(); }
+
+    void requireUnchanged(const std::filesystem::path& file) const
+    {
+        if (m_isEdited || !isOpen(*m_model) || counts() != m_counts) {
+            throw fileError("UnwritableFile",
+                            {shown(file), std::string("the model was changed or closed while it was saved")});
+        }
+    }
+
+private:
+    std::pair<std::size_t, std::size_t> counts() const
+    {
+        const auto count = [](const OwnedValue& collection) {
+            return collection ? elementsIn(collection.get()) : 0;
+        };
+        return {count(m_signals), count(m_clients)};
+    }
+
+    std::shared_ptr<const Model> m_model;
+    OwnedValue m_signals;
+    OwnedValue m_clients;
+    std::pair<std::size_t, std::size_t> m_counts;
+    bool m_isEdited = false;
+    std::uint64_t m_listener;
+};
+
 /// What an entry is to hold for a collection; none for no collection.
 std::optional<std::string> persistenceOf(const nvArray* collection)
 {
@@ -195,18 +284,21 @@ std::optional<std::string> persistenceOf(const nvArray* collection)
     return valueToJson(ClassObjects::getProperty(collection, "Persistence").get());
 }
 
-void checkSavable(const Model& model, const std::filesystem::path& file)
+std::shared_ptr<const Model> savable(const Model& model, const std::filesystem::path& file)
 {
     if (!hasExtension(file, ".ssp")) {
         throw fileError("NotAnArchiveName", {shown(file)});
     }
-    if (OpenModels::find(model.name()).get() != &model) {
+    if (!isOpen(model)) {
         throw diagramError("ModelNotOpen", {toUtf8(model.name())});
     }
+    return OpenModels::find(model.name());
 }
 
-std::vector<ArchiveChange> changesFor(const Model& model, const std::filesystem::path& file, Steps& steps)
+std::vector<ArchiveChange> changesFor(const SavedModel& saved, const std::filesystem::path& file,
+                                      Steps& steps)
 {
+    const Model& model = saved.model();
     const ModelSource* source = model.source().get();
     std::vector<ArchiveChange> changes;
     const auto add = [&](const char* step, const char* entry, const auto& content) {
@@ -217,8 +309,8 @@ std::vector<ArchiveChange> changesFor(const Model& model, const std::filesystem:
         return std::optional(writeSsd(model, source != nullptr ? source->description : std::string()));
     });
     add("tool data", toolDataEntry, [&] { return std::optional(toolDataOf(model)); });
-    add("instrumented signals", signalsEntry, [&] { return persistenceOf(modelSignals(model).get()); });
-    add("streaming clients", clientsEntry, [&] { return persistenceOf(modelClients(model).get()); });
+    add("instrumented signals", signalsEntry, [&] { return persistenceOf(saved.signals()); });
+    add("streaming clients", clientsEntry, [&] { return persistenceOf(saved.clients()); });
     return changes;
 }
 
@@ -239,14 +331,10 @@ std::shared_ptr<Model> openModel(const std::filesystem::path& file, const FilePr
         leftOver = inEntry(file, toolDataEntry,
                            [&] { return applyToolData(*model, source->archive->read(toolDataEntry)); });
     }
-    OpenModels::add(model);
-    try {
-        if (source->archive != nullptr) {
-            readObservers(file, *source->archive, *model, steps);
-        }
-    } catch (...) {  // whatever it is, a half-open model is worse
-        OpenModels::close(model->name());
-        throw;
+    if (source->archive != nullptr) {
+        openWithObservers(file, *source->archive, model, steps);
+    } else {
+        OpenModels::add(model);
     }
     reportPassedOver(file, document.warnings, leftOver);
     return model;
@@ -254,14 +342,16 @@ std::shared_ptr<Model> openModel(const std::filesystem::path& file, const FilePr
 
 void saveModel(const Model& model, const std::filesystem::path& file, const FileProgress& progress)
 {
-    checkSavable(model, file);
+    const SavedModel saved(savable(model, file));
     Steps steps(progress, 6);
-    std::vector<ArchiveChange> changes = changesFor(model, file, steps);
+    std::vector<ArchiveChange> changes = changesFor(saved, file, steps);
     steps.begin("archive");
     const ModelSource* source = model.source().get();
-    const std::string bytes = Archive::pack(source != nullptr ? source->archive.get() : nullptr, changes);
+    const Archive* base = source != nullptr ? source->archive.get() : nullptr;
+    const std::string bytes = inArchive(file, [&] { return Archive::pack(base, changes); });
     changes.clear();
     steps.begin("file");
+    saved.requireUnchanged(file);
     writeFileAtomically(file, bytes);
 }
 

@@ -25,7 +25,8 @@ using FileProgress = std::function<void(const char* step, std::size_t done, std:
 ///
 /// A file that cannot be read is a host error "UnreadableFile"; contents that are refused are
 /// "InvalidFile" or "InvalidDiagram" with file, entry or line, and reason; a name that is taken is
-/// "ModelAlreadyOpen". Nothing is open then that was not before. Main thread only.
+/// "ModelAlreadyOpen"; one that was closed or renamed meanwhile is "ModelNotOpen". Nothing is open then that
+/// was not before. Main thread only.
 ZM_REFHOST_API std::shared_ptr<Model> openModel(const std::filesystem::path& file,
                                                 const FileProgress& progress = {});
 
@@ -34,7 +35,8 @@ ZM_REFHOST_API std::shared_ptr<Model> openModel(const std::filesystem::path& fil
 /// signals and streaming clients, field by field as their classes give it. The same model gives the same
 /// bytes.
 ///
-/// The file is written whole or not at all (`writeFileAtomically`). A model that is not open, whose
+/// The file is written whole or not at all (`writeFileAtomically`), and not when `progress`, or a script that
+/// the host asks, has edited or closed the model ("UnwritableFile"). A model that is not open, whose
 /// observers have ended, is refused ("ModelNotOpen"), so are a file name that does not end in ".ssp"
 /// ("NotAnArchiveName") and whatever opening would refuse.
 ZM_REFHOST_API void saveModel(const Model& model, const std::filesystem::path& file,

@@ -278,6 +278,90 @@ TEST_F(ModelFileTest, ClosedModelIsNotSavedWithoutItsObservers)
     EXPECT_FALSE(std::filesystem::exists(m_file));
 }
 
+TEST_F(ModelFileTest, ModelThatIsClosedWhileItIsSavedIsNotSavedWithoutItsObservers)
+{
+    setObservers();
+    saveModel(*m_model, m_file);
+    const std::string former = bytesOf(m_file);
+    const FileProgress close = [](const char* step, std::size_t, std::size_t) {
+        if (std::string(step) == "instrumented signals") {
+            OpenModels::close(u"plant");
+        }
+    };
+    EXPECT_EQ(hostError([&] { saveModel(*m_model, m_file, close); }), "UnwritableFile");
+    EXPECT_EQ(bytesOf(m_file), former);
+}
+
+TEST_F(ModelFileTest, ModelThatIsEditedWhileItIsSavedIsNotSavedInTwoStates)
+{
+    const FileProgress edit = [this](const char* step, std::size_t, std::size_t) {
+        if (std::string(step) == "tool data") {
+            m_model->history().renameBlock(m_gain, u"Other");
+        }
+    };
+    EXPECT_EQ(hostError([&] { saveModel(*m_model, m_file, edit); }), "UnwritableFile");
+    EXPECT_FALSE(std::filesystem::exists(m_file));
+}
+
+TEST_F(ModelFileTest, CollectionThatShrinksWhileItIsSavedIsNotSaved)
+{
+    addSignal(m_gain, 1, "a");
+    setObservers();
+    const FileProgress shrink = [this](const char* step, std::size_t, std::size_t) {
+        if (std::string(step) == "streaming clients") {
+            ClassObjects::callMethod(m_signals.get(), "remove", {makeNumber(1.0, nvClassID::UInt32).get()});
+        }
+    };
+    EXPECT_EQ(hostError([&] { saveModel(*m_model, m_file, shrink); }), "UnwritableFile");
+}
+
+TEST_F(ModelFileTest, ArchiveThatHasNoRoomForOurFolderIsNamed)
+{
+    OpenModels::close(u"plant");
+    const auto model = openModel(pack({{"SystemStructure.ssd", description("")}, {"extra", "a file"}}));
+    const std::string reason = refusal([&] { saveModel(*model, m_file); });
+    EXPECT_TRUE(reason.starts_with(m_file.string() + ": \"extra/com.zelmar.hmi/")) << reason;
+}
+
+TEST_F(ModelFileTest, ModelThatIsClosedOrRenamedWhileItIsOpenedIsNotOpened)
+{
+    setObservers();
+    saveModel(*m_model, m_file);
+    OpenModels::close(u"plant");
+    const auto openWhile = [this](const std::function<void()>& work) {
+        return hostError([&] {
+            openModel(m_file, [&work](const char* step, std::size_t, std::size_t) {
+                if (std::string(step) == "streaming clients") {
+                    work();
+                }
+            });
+        });
+    };
+    EXPECT_EQ(openWhile([] { OpenModels::rename(u"plant", u"other"); }), "ModelNotOpen");
+    EXPECT_TRUE(OpenModels::all().empty());
+    EXPECT_EQ(openWhile([] { OpenModels::close(u"plant"); }), "ModelNotOpen");
+    EXPECT_TRUE(OpenModels::all().empty());
+    const auto namesake = std::make_shared<Model>(u"plant");
+    EXPECT_EQ(openWhile([&namesake] {
+                  OpenModels::close(u"plant");
+                  OpenModels::add(namesake);
+              }),
+              "ModelNotOpen");
+    EXPECT_EQ(OpenModels::find(u"plant"), namesake);
+}
+
+TEST_F(ModelFileTest, ElementsThatAreNothingInTheTextAreNotBelieved)
+{
+    OpenModels::close(u"plant");
+    for (const char* entry : {signalsEntry, clientsEntry}) {
+        const auto file =
+            pack({{"SystemStructure.ssd", description("")},
+                  {entry, R"({"class":"struct","size":[1000000,1000000],"fields":[],"values":[]})"}});
+        const std::string reason = refusal([&] { openModel(file); });
+        EXPECT_TRUE(reason.starts_with(file.string() + ": " + entry + ": /: Expected: ")) << reason;
+    }
+}
+
 TEST_F(ModelFileTest, NameThatNoDescriptionCanHoldIsRefused)
 {
     saveModel(*m_model, m_file);
