@@ -44,7 +44,7 @@ std::shared_ptr<Model> openModel(const std::filesystem::path& file, const py::fu
     try {
         return atEdge([&] { return opened = reference_host::openModel(file, progressFor(progress)); });
     } catch (...) {  // whatever kept the script from getting the model
-        if (opened) {
+        if (opened && OpenModels::find(opened->name()) == opened) {
             OpenModels::close(opened->name());
         }
         throw;

@@ -4,6 +4,7 @@ import os
 import pty
 import subprocess
 import sys
+import warnings
 import zipfile
 
 import pytest
@@ -196,6 +197,22 @@ def test_refusals_are_host_errors_that_name_the_file(tmp_path, model):
     model.close()
     with pytest.raises(zmhost.HostError, match="open"):
         model.save(broken)
+
+
+def test_a_warning_that_closes_the_model_and_fails_is_what_the_script_gets(tmp_path, monkeypatch):
+    description = GREENHOUSE.read_text(encoding="utf-8").replace('startElement="', 'startElement="No ', 1)
+    loose = tmp_path / "loose.ssd"
+    loose.write_text(description, encoding="utf-8")
+
+    def close(*_args, **_options):
+        zmhost.models()[0].close()
+        raise ValueError("enough")
+
+    monkeypatch.setattr("warnings.showwarning", close)
+    with warnings.catch_warnings(), pytest.raises(ValueError, match="enough"):
+        warnings.simplefilter("always")
+        zmhost.open_model(loose)
+    assert zmhost.models() == []
 
 
 def test_wrong_arguments_are_type_errors(tmp_path, model):
