@@ -127,6 +127,95 @@ void forEach(const JsonView& array, const Visit& visit)
     }
 }
 
+/// Sentences about what has no place any more: a bounded number of them, each of a bounded length, for a file
+/// can make both large.
+class LeftOver {
+public:
+    template <class Path>
+    void add(const std::string& what, const Path& path)
+    {
+        if (++m_count <= most) {
+            m_sentences.push_back(what + endOf(path()) + "\" is no longer there");
+        }
+    }
+
+    std::vector<std::string> take()
+    {
+        if (m_count > most) {
+            m_sentences.push_back(std::to_string(m_count - most) + " more are no longer there");
+        }
+        return std::move(m_sentences);
+    }
+
+    /// Of a path that is too long for a line, its end tells most.
+    static std::string endOf(const std::u16string& path)
+    {
+        constexpr std::size_t longest = 500;
+        return path.size() <= longest ? toUtf8(path) : "..." + toUtf8(path.substr(path.size() - longest));
+    }
+
+private:
+    static constexpr std::size_t most = 1000;
+    std::vector<std::string> m_sentences;
+    std::size_t m_count = 0;
+};
+
+/// Ports in the order that was kept of their names. What the others are called is new; they take the numbers
+/// of those that are gone, so that the rest keeps its own, and follow when these are used up.
+class PortOrder {
+public:
+    explicit PortOrder(const std::vector<Port>& ports) : m_ports(ports), m_isPlaced(ports.size())
+    {
+        for (std::size_t i = ports.size(); i-- > 0;) {
+            m_byName[ports[i].name].push_back(i);
+        }
+    }
+
+    /// Places the next number; false when no port is left that bears the name.
+    bool place(const std::u16string& name)
+    {
+        const auto found = m_byName.find(name);
+        const bool isThere = found != m_byName.end() && !found->second.empty();
+        m_places.push_back(isThere ? found->second.back() : none);
+        if (isThere) {
+            found->second.pop_back();
+            m_isPlaced[m_places.back()] = true;
+        }
+        return isThere;
+    }
+
+    std::vector<Port> take()
+    {
+        std::size_t next = 0;
+        const auto nextNew = [this, &next] {
+            next = static_cast<std::size_t>(
+                std::find(m_isPlaced.begin() + static_cast<std::ptrdiff_t>(next), m_isPlaced.end(), false) -
+                m_isPlaced.begin());
+            return next < m_ports.size() ? next++ : none;
+        };
+        std::vector<Port> ordered;
+        ordered.reserve(m_ports.size());
+        for (const std::size_t place : m_places) {
+            const std::size_t port = place != none ? place : nextNew();
+            if (port != none) {
+                ordered.push_back(m_ports[port]);
+            }
+        }
+        for (std::size_t port = nextNew(); port != none; port = nextNew()) {
+            ordered.push_back(m_ports[port]);
+        }
+        return ordered;
+    }
+
+private:
+    static constexpr std::size_t none = std::numeric_limits<std::size_t>::max();
+
+    const std::vector<Port>& m_ports;
+    std::unordered_map<std::u16string_view, std::vector<std::size_t>> m_byName;  // the first one last
+    std::vector<bool> m_isPlaced;
+    std::vector<std::size_t> m_places;
+};
+
 /// Gives a model what was kept of it, system by system.
 class ToolDataReader {
 public:
@@ -141,7 +230,7 @@ public:
         numberBlocks();
     }
 
-    std::vector<std::string> takeLeftOver() noexcept { return std::move(m_leftOver); }
+    std::vector<std::string> takeLeftOver() { return m_leftOver.take(); }
 
 private:
     static void checkForm(const JsonView& document)
@@ -166,7 +255,7 @@ private:
             if (Block* block = system.child(name)) {
                 readBlock(kept, *block);
             } else {
-                m_leftOver.push_back("\"" + toUtf8(system.path() + u"/" + name) + "\" is no longer there");
+                m_leftOver.add("\"", [&] { return system.path() + u"/" + name; });
             }
         });
     }
@@ -194,26 +283,22 @@ private:
         }
     }
 
-    /// Puts the ports in the order that was kept; those that are new follow. Where all names are as they
-    /// were, nothing is to be done.
     void orderOutputs(const JsonView& outputs, Block& block)
     {
-        std::vector<Port> ports = block.ports(PortKind::Output);
-        std::size_t placed = 0;
-        forEach(outputs, [&](const JsonView& kept) {
-            const std::u16string name = kept.text();
-            const auto from = ports.begin() + static_cast<std::ptrdiff_t>(placed);
-            const auto found =
-                std::find_if(from, ports.end(), [&name](const Port& port) { return port.name == name; });
-            if (found == ports.end()) {
-                m_leftOver.push_back("output port \"" + toUtf8(name) + "\" of \"" + toUtf8(block.path()) +
-                                     "\" is no longer there");
-                return;
+        const std::vector<Port>& ports = block.ports(PortKind::Output);
+        std::vector<std::u16string> kept;
+        forEach(outputs, [&kept](const JsonView& name) { kept.push_back(name.text()); });
+        if (std::ranges::equal(kept, ports, {}, {}, &Port::name)) {
+            return;
+        }
+        PortOrder order(ports);
+        for (const std::u16string& name : kept) {
+            if (!order.place(name)) {
+                m_leftOver.add("output port \"" + LeftOver::endOf(name) + "\" of \"",
+                               [&block] { return block.path(); });
             }
-            std::rotate(from, found, found + 1);
-            ++placed;
-        });
-        block.setPorts(PortKind::Output, std::move(ports));
+        }
+        block.setPorts(PortKind::Output, order.take());
     }
 
     static void readChart(const JsonView& kept, Block& block)
@@ -248,7 +333,7 @@ private:
     Model& m_model;
     std::uint32_t m_lastNumber = 0;
     std::unordered_map<const Block*, std::uint32_t> m_numbers;
-    std::vector<std::string> m_leftOver;
+    LeftOver m_leftOver;
 };
 
 }  // namespace

@@ -179,8 +179,55 @@ TEST_F(ModelFileTest, WhatTheDescriptionNoLongerHasIsAWarning)
               (std::vector<std::string>{"\"plant/Panel\" is no longer there.",
                                         "output port \"y1\" of \"plant/Gain\" is no longer there."}));
     EXPECT_EQ(model->findByPath(u"Gain")->number(), m_gain.number());
-    EXPECT_EQ(model->findByPath(u"Gain")->ports(PortKind::Output)[0].name, u"y2");
+    EXPECT_EQ(model->findByPath(u"Gain")->ports(PortKind::Output)[1].name, u"y2");
     EXPECT_EQ(model->findByPath(u"New")->number(), m_model->lastNumber() + 1);
+}
+
+TEST_F(ModelFileTest, PortsKeepTheirNumbersBesideOnesThatAreCalledOtherwise)
+{
+    m_model->history().addOutput(m_gain, u"y3", 3);
+    saveModel(*m_model, m_file);
+    OpenModels::close(u"plant");
+    const Archive saved(bytesOf(m_file));
+    const auto portsWhere = [&](const std::vector<std::string>& names) {
+        std::string connectors;
+        for (const std::string& name : names) {
+            connectors += "<ssd:Connector name='" + name + "' kind='output'/>";
+        }
+        const std::string changed =
+            description("<ssd:Elements><ssd:Component name='Gain'><ssd:Connectors>" + connectors +
+                        "</ssd:Connectors></ssd:Component></ssd:Elements>");
+        const auto model =
+            openModel(write("changed.ssp", Archive::pack(&saved, {{"SystemStructure.ssd", changed}})));
+        std::string ports;
+        for (const Port& port : model->findByPath(u"Gain")->ports(PortKind::Output)) {
+            ports += toUtf8(port.name) + " ";
+        }
+        OpenModels::close(u"plant");
+        Warnings::take();
+        return ports;
+    };
+    EXPECT_EQ(portsWhere({"first", "y2", "y3"}), "first y2 y3 ");
+    EXPECT_EQ(portsWhere({"y3", "y2", "first", "second"}), "first y2 y3 second ");
+    EXPECT_EQ(portsWhere({"new", "y3", "y1", "y2"}), "y1 y2 y3 new ");
+    EXPECT_EQ(portsWhere({"y3", "y1"}), "y1 y3 ");
+    EXPECT_EQ(portsWhere({"a", "y2", "y2", "b", "c"}), "a y2 y2 b c ");
+}
+
+TEST_F(ModelFileTest, WhatIsLeftOverIsToldInBounds)
+{
+    saveModel(*m_model, m_file);
+    OpenModels::close(u"plant");
+    std::string kept = R"({"format":"com.zelmar.hmi.model","version":1,"lastNumber":1,"blocks":[)";
+    for (int i = 0; i < 1002; ++i) {
+        kept += R"({"name":")" + std::string(10000, 'n') + R"(","number":1},)";
+    }
+    kept.back() = ']';
+    openModel(pack({{"SystemStructure.ssd", description("")}, {toolDataEntry, kept + "}"}}));
+    const std::vector<Warning> warnings = Warnings::take();
+    ASSERT_EQ(warnings.size(), 1001U);
+    EXPECT_LT(warnings.front().text.size(), 1000U);
+    EXPECT_TRUE(warnings.back().text.ends_with(": 2 more are no longer there.")) << warnings.back().text;
 }
 
 // ---- refusals ---------------------------------------------------------------------------------------
