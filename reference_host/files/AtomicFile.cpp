@@ -1,5 +1,6 @@
 #include "reference_host/files/AtomicFile.hpp"
 
+#include "host/Text.hpp"
 #include "reference_host/files/FileErrors.hpp"
 
 #include <fcntl.h>
@@ -182,12 +183,13 @@ void replace(const std::filesystem::path& file, std::string_view bytes)
 
 void writeFileAtomically(const std::filesystem::path& file, std::string_view bytes)
 {
+    const std::string shown = toUtf8(toUtf16(file.c_str()));  // well-formed, whatever the file system holds
     try {
         replace(followLinks(file), bytes);
     } catch (const std::system_error& error) {  // the file system library's errors among them
-        throw fileError("UnwritableFile", {file.string(), error.code().message()});
+        throw fileError("UnwritableFile", {shown, error.code().message()});
     } catch (const zmsvException& reason) {
-        throw fileError("UnwritableFile", {file.string(), std::string(reason.what())});
+        throw fileError("UnwritableFile", {shown, std::string(reason.what())});
     }
 }
 

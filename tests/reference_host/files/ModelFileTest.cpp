@@ -483,6 +483,14 @@ TEST_F(ModelFileTest, FileWithANameOutsideAsciiIsOpened)
     EXPECT_EQ(openModel(write("Gewächshaus 𠮷.ssd", description("")))->name(), u"plant");
 }
 
+TEST_F(ModelFileTest, FileWhoseNameIsNoTextIsNamedInText)
+{
+    const auto file = m_folder / "no\xFF" / "plant.ssp";
+    const std::string named = (m_folder / "no\uFFFD" / "plant.ssp").string() + ": ";
+    EXPECT_TRUE(refusal([&] { saveModel(*m_model, file); }).starts_with(named));
+    EXPECT_TRUE(refusal([&] { openModel(file); }).starts_with(named));
+}
+
 TEST_F(ModelFileTest, MissingFileIsUnreadable)
 {
     const std::filesystem::path file = m_folder / "missing.ssd";
