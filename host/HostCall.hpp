@@ -60,8 +60,8 @@ private:
 
 /// Calls a host function that may fail without disturbing us: a failure is shown to the user as one
 /// warning, and the caller goes on with its own fallback. Inputs are borrowed; the caller scopes those
-/// that it made for the call (`asTemporary`). Throws only what the boundary itself throws. An output may be of
-/// another class than expected: reading it then throws, as reading any value does.
+/// that it made for the call (`asTemporary`). Throws only what the boundary itself throws. An output may be
+/// of another class than expected: reading it then throws, as reading any value does.
 template <std::size_t OutputCount, class... Inputs>
 HostCallResult<OutputCount> callHostNoThrow(const char* functionName, const Inputs*... inputs)
 {
