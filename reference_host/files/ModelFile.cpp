@@ -17,6 +17,7 @@
 #include "reference_host/files/SsdWriter.hpp"
 #include "reference_host/files/ToolData.hpp"
 #include "reference_host/files/ValueJson.hpp"
+#include "reference_host/values/ValueContainers.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"
 
@@ -100,6 +101,42 @@ bool isOpen(const Model& model)
     return OpenModels::find(model.name()).get() == &model;
 }
 
+/// The elements of all struct arrays without fields in a value, which may be any number and are nothing in
+/// its text; not counted on past the limit.
+std::size_t elementsNotInText(const nvArray* value, std::size_t limit)
+{
+    if (value == nullptr) {
+        return 0;
+    }
+    const bool isCell = value->valueClass == ValueClass::Cell;
+    const bool isStruct =
+        value->valueClass == ValueClass::Struct || value->valueClass == ValueClass::StructObject;
+    const std::size_t fields = isStruct ? fieldNames(value).size() : 0;
+    if (isStruct && fields == 0) {
+        return elementCount(value);
+    }
+    const std::size_t count = isStruct || isCell ? elementCount(value) : 0;
+    std::size_t sum = 0;
+    for (std::size_t i = 0; i < count && sum <= limit; ++i) {
+        if (isCell) {
+            sum += elementsNotInText(cell(value, i), limit);
+        }
+        for (std::size_t number = 0; number < fields && sum <= limit; ++number) {
+            sum += elementsNotInText(numberedField(value, i, number), limit);
+        }
+    }
+    return sum;
+}
+
+/// A file of a few bytes must not make a collection of any size.
+void requireElementsInText(const nvArray* persistence, const std::string& json)
+{
+    const std::size_t limit = json.size() + 65536;
+    if (elementsNotInText(persistence, limit) > limit) {
+        throw fileError("JsonUnexpected", {std::string("/"), std::string("elements with fields")});
+    }
+}
+
 // ---- opening ----------------------------------------------------------------------------------------
 
 std::string readFile(const std::filesystem::path& file, std::size_t limit)
@@ -147,17 +184,6 @@ SsdDocument readDescription(const std::filesystem::path& file, const ModelSource
     return readSsd(source.description, name);
 }
 
-/// The value that an entry keeps. The elements of a struct array without fields are nothing in the text, so
-/// that it could claim any number of them.
-OwnedValue readPersistence(const std::string& json)
-{
-    OwnedValue persistence = valueFromJson(json);
-    if (persistence && elementCount(persistence.get()) > json.size()) {
-        throw fileError("JsonUnexpected", {std::string("/"), std::string("elements with fields")});
-    }
-    return persistence;
-}
-
 /// A collection of the class that has loaded the "Persistence" which the archive keeps; null when the
 /// archive keeps none.
 OwnedValue readCollection(const std::filesystem::path& file, const Archive& archive, const char* entry,
@@ -167,7 +193,9 @@ OwnedValue readCollection(const std::filesystem::path& file, const Archive& arch
         return nullptr;
     }
     return inEntry(file, entry, [&] {
-        const OwnedValue persistence = readPersistence(archive.read(entry));
+        const std::string json = archive.read(entry);
+        const OwnedValue persistence = valueFromJson(json);
+        requireElementsInText(persistence.get(), json);
         const OwnedValue name = makeText(modelName);
         OwnedValue collection = ClassObjects::construct(className, {name.get()});
         ClassObjects::setProperty(collection.get(), "Persistence", persistence.get());
@@ -281,7 +309,10 @@ std::optional<std::string> persistenceOf(const nvArray* collection)
     if (collection == nullptr) {
         return std::nullopt;
     }
-    return valueToJson(ClassObjects::getProperty(collection, "Persistence").get());
+    const OwnedValue persistence = ClassObjects::getProperty(collection, "Persistence");
+    std::string json = valueToJson(persistence.get());
+    requireElementsInText(persistence.get(), json);  // or it could not be opened
+    return json;
 }
 
 std::shared_ptr<const Model> savable(const Model& model, const std::filesystem::path& file)

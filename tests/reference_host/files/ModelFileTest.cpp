@@ -400,12 +400,14 @@ TEST_F(ModelFileTest, ModelThatIsClosedOrRenamedWhileItIsOpenedIsNotOpened)
 TEST_F(ModelFileTest, ElementsThatAreNothingInTheTextAreNotBelieved)
 {
     OpenModels::close(u"plant");
+    const std::string many = R"({"class":"struct","size":[1000000,1000000],"fields":[],"values":[]})";
+    const std::string inside = R"({"class":"struct","fields":["ModelPath_"],"values":[[)" + many + "]]}";
     for (const char* entry : {signalsEntry, clientsEntry}) {
-        const auto file =
-            pack({{"SystemStructure.ssd", description("")},
-                  {entry, R"({"class":"struct","size":[1000000,1000000],"fields":[],"values":[]})"}});
-        const std::string reason = refusal([&] { openModel(file); });
-        EXPECT_TRUE(reason.starts_with(file.string() + ": " + entry + ": /: Expected: ")) << reason;
+        for (const std::string& text : {many, inside}) {
+            const auto file = pack({{"SystemStructure.ssd", description("")}, {entry, text}});
+            const std::string reason = refusal([&] { openModel(file); });
+            EXPECT_TRUE(reason.starts_with(file.string() + ": " + entry + ": /: Expected: ")) << reason;
+        }
     }
 }
 
