@@ -23,7 +23,7 @@ foreach(header IN LISTS host_headers public_headers)
 endforeach()
 
 set(installed_libraries zm_hmi_foundation)
-if(ZM_HOST_TARGET STREQUAL "zm_reference_host")
+if(ZM_HAS_REFERENCE_HOST)
     list(APPEND installed_libraries zm_reference_host)
 endif()
 set_target_properties(${installed_libraries} PROPERTIES INSTALL_RPATH "$ORIGIN")
