@@ -77,7 +77,7 @@ def show_dashboard(model: zmhost.Model, show_table: ShowTable) -> None:
     board.rename(unused(model.root, "Control room"))
     signals, clients = model.observers.Signals, model.observers.Clients
     print(f"\nThe model {former} becomes {model.name}, its dashboard {board.path}.")
-    print(f'The signals are of "{signals.Model}" now, the clients of "{clients.Model}":')
+    print(f'The signals belong to "{signals.Model}" now, the clients to "{clients.Model}":')
     show_table(("widget", "shows"), bound(clients), "widget")
 
 

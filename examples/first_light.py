@@ -69,7 +69,7 @@ def show_table(head: Sequence[str], rows: Sequence[Sequence[Any]], noun: str) ->
     show(["─" * room for room in rooms])
     for number, row in enumerate(texts):
         if left_out > 1 and number == FIRST:
-            print(f"  … {count(left_out, noun)} more …")
+            print(f"  … {left_out:,} more {noun}{'' if left_out == 1 else 's'} …")
         show(row)
 
 
@@ -154,7 +154,7 @@ def instrument(signals: Any, model: zmhost.Model, chart: zmhost.Chart | None) ->
             if target.name != "Storm":
                 signals.add(chart_signal(chart, target, "Data" if target.kind == "data" else "Self"))
     heading("What is instrumented")
-    print(f"{count(ports, 'output port')}, each third left out so that there is something to tell apart,")
+    print(f"{count(ports, 'output port')} (every third is left out, so that there is something to tell apart)")
     print(f"and {count(signals.Count - ports, 'chart object')}.")
     if chart is not None:
         print(f"SSP knows no charts: the script gave {local_path(chart.block)} the chart {chart.name}.")

@@ -18,7 +18,7 @@ import zmhost
 
 BUNDLED = Path(__file__).with_name("greenhouse.ssd")
 INTO_FILE = (("Klima/Luftvolumen", "Temperatur"), ("Klima/Luftvolumen", "CO₂"))
-INTO_VARIABLE = ("Klima/Вентиляция/Вентилятор", "расход")
+INTO_VARIABLE = ("灌漑/養液/𠮷田タンク", "水位")
 EVERY = 8  # the table has a row for each quarter of an hour
 ShowTable = Callable[[Sequence[str], Sequence[Sequence[Any]], str], None]
 
@@ -40,16 +40,16 @@ def show_recording(model: zmhost.Model, table: Path, show_table: ShowTable) -> N
             zmhost.FileRecording(output_port(model, *port), file, decimation=EVERY, properties={"header": port[1]})
             for port in INTO_FILE
         ]
-        fan = zmhost.VariableRecording(output_port(model, *INTO_VARIABLE), "fan", "structwithtime", decimation=EVERY)
+        tank = zmhost.VariableRecording(output_port(model, *INTO_VARIABLE), "tank", "structwithtime", decimation=EVERY)
         active: list[int] = []
-        zmhost.replay(model, table, *air, fan, step=lambda time: active.append(len(zmhost.active_recordings())))
+        zmhost.replay(model, table, *air, tank, step=lambda time: active.append(len(zmhost.active_recordings())))
         with file.open(encoding="utf-8", newline="") as recorded:
             head, *rows = csv.reader(recorded)
-    variable = zmhost.workspace["fan"]
+    variable = zmhost.workspace["tank"]
     now = len(zmhost.active_recordings()) or "none"
     print(f"{table.name} was replayed over {model.name}: {len(active)} points in time, {max(active)} recordings active")
-    print(f"at each, {now} afterwards. Every {EVERY}th point went to the file {file.name}")
-    print(f'and into the variable "{fan.name}", in the shape "{fan.format}".')
+    print(f"at each, {now} afterwards. Every {EVERY}th point went to the file {file.name} (gone again by now)")
+    print(f'and into the variable "{tank.name}", in the shape "{tank.format}".')
     signals = variable["signals"]
     lines = [
         (clock(float(time)), float(warmth), float(gas), float(flow))

@@ -166,7 +166,7 @@ def test_a_mapping_without_times_is_refused(model):
 def test_the_example_shows_what_was_recorded(run):
     result = run("-m", "zmhost", PROJECT / "examples" / "recording.py")
     assert (result.returncode, result.stderr) == (0, "")
-    for words in ("97 points in time, 3 recordings", "none afterwards", "Temperatur (file)", "расход (variable)"):
+    for words in ("97 points in time, 3 recordings", "none afterwards", "Temperatur (file)", "水位 (variable)"):
         assert words in result.stdout
     assert re.search(r"10:00 +19\.69 +587\.0 +0\.0\n", result.stdout)
 
