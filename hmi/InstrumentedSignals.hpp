@@ -178,7 +178,8 @@ public:
     // ---- the editor's questions about a whole model, answered by the host: EditorQueries.cpp. A host
     //      failure gives one warning, never an exception ----
 
-    /// One observed port. The fields are named by position; what they mean is the host function's.
+    /// One observed port. The fields are named by position; what they mean is the host function's:
+    /// docs/host-functions.md says which of its results fills which field.
     struct Source {
         std::string name;
         double handle = 0.0;
