@@ -168,7 +168,7 @@ def test_the_example_shows_what_was_recorded(run):
     assert (result.returncode, result.stderr) == (0, "")
     for words in ("97 points in time, 3 recordings", "none afterwards", "Temperatur (file)", "水位 (variable)"):
         assert words in result.stdout
-    assert re.search(r"10:00 +19\.69 +587\.0 +0\.0\n", result.stdout)
+    assert re.search(r"10:00 +19\.69 +587\.0 +86\.6\n", result.stdout)
 
 
 def test_a_recording_keeps_its_diagram():
