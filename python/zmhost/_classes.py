@@ -8,6 +8,7 @@ from reprlib import repr as short_repr
 from typing import Any, overload
 
 from zmhost import _library, _zmhost
+from zmhost._indices import element_index
 
 
 class _TypeName(str):
@@ -88,8 +89,7 @@ class ObjectArray(Sequence[HostObject]):
     def __getitem__(self, index: int | slice) -> HostObject | list[HostObject]:
         if isinstance(index, slice):
             return [self[i] for i in range(*index.indices(len(self)))]
-        position = index + len(self) if index < 0 else index
-        return wrap_object(self._value.object(position))
+        return wrap_object(self._value.object(element_index(index, len(self))))
 
     def __repr__(self) -> str:
         return f"<{'x'.join(map(str, self.dims))} array of {self.class_name}>"

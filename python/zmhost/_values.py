@@ -9,18 +9,11 @@ from reprlib import repr as short_repr
 from typing import Any, overload
 
 from zmhost import _classes, _zmhost
+from zmhost._indices import element_index
 
 
 def shape_text(dims: Sequence[int]) -> str:
     return "x".join(map(str, dims))
-
-
-def element_index(index: int, count: int) -> int:
-    """A Python index, negative ones included, as one from the start."""
-    position = index + count if index < 0 else index
-    if not 0 <= position < count:
-        raise IndexError(f"index {index} is out of range for {count} elements")
-    return position
 
 
 class Struct(Mapping[str, Any]):

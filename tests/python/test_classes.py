@@ -143,8 +143,9 @@ def test_object_arrays_hold_instances_of_one_class(signals, spec, echo):
     assert isinstance(array, zmhost.ObjectArray) and array.dims == (2, 1) and len(array) == 2
     assert array[0] == spec and array[-1] == other and list(array[:]) == [spec, other]
     assert repr(array) == "<2x1 array of Zelmar.HMI.SignalSpecification>"
-    with pytest.raises(IndexError):
-        array[2]
+    for outside in (2, -3):
+        with pytest.raises(IndexError, match=f"index {outside} is out of range for 2 elements"):
+            array[outside]
     with pytest.raises(zmhost.HostError):
         signals.add(array)
     with pytest.raises(zmhost.HostError):
