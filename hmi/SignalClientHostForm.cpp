@@ -3,6 +3,7 @@
 
 #include "host/HostCall.hpp"
 
+#include <array>
 #include <utility>
 
 namespace zm_hmi {
@@ -21,17 +22,20 @@ std::size_t SignalClient::getNumStructFields()
 void SignalClient::createStructData(nvArray* structArray, std::size_t index,
                                     const std::u16string& modelName) const
 {
-    static constexpr std::array<Fields::Field, Fields::Count> order = {Fields::Uuid,
-                                                                       Fields::SignalUUID,
-                                                                       Fields::ObserverType,
-                                                                       Fields::SourceModel,
-                                                                       Fields::ModelPath,
-                                                                       Fields::ModelPathZID,
-                                                                       Fields::ObserverParams,
-                                                                       Fields::UpdateRate,
-                                                                       Fields::DimensionChannel,
-                                                                       Fields::ObserveImaginaryPart,
-                                                                       Fields::BusLeafPath};
+    static constexpr auto order = std::to_array<Fields::Field>({
+        Fields::Uuid,
+        Fields::SignalUUID,
+        Fields::ObserverType,
+        Fields::SourceModel,
+        Fields::ModelPath,
+        Fields::ModelPathZID,
+        Fields::ObserverParams,
+        Fields::UpdateRate,
+        Fields::DimensionChannel,
+        Fields::ObserveImaginaryPart,
+        Fields::BusLeafPath,
+    });
+    static_assert(order.size() == Fields::Count);
     for (const Fields::Field field : order) {
         const Fields::Row& row = Fields::table[field];
         OwnedArray value = row.write(*this, modelName);

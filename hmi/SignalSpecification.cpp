@@ -4,6 +4,7 @@
 #include "hmi_foundation/ModelPath.hpp"
 
 #include <algorithm>
+#include <array>
 #include <tuple>
 
 namespace zm_hmi {
@@ -86,7 +87,7 @@ std::size_t SignalSpecification::getNumStructFields(bool withRuntimeFields)
 void SignalSpecification::createStructData(nvArray* structArray, std::size_t index,
                                            const std::u16string& modelName) const
 {
-    static constexpr std::array<Fields::Field, Fields::persistedCount> order = {
+    static constexpr auto order = std::to_array<Fields::Field>({
         Fields::Uuid,
         Fields::ZID,
         Fields::BlockPath,
@@ -102,7 +103,9 @@ void SignalSpecification::createStructData(nvArray* structArray, std::size_t ind
         Fields::MaxPoints,
         Fields::TargetBufferedStreaming,
         Fields::IsFrameBased,
-        Fields::HideInDVX};
+        Fields::HideInDVX,
+    });
+    static_assert(order.size() == Fields::persistedCount);
     for (const Fields::Field field : order) {
         const Fields::Row& row = Fields::table[field];
         replaceField(structArray, index, row.name, row.write(*this, modelName));
@@ -128,7 +131,7 @@ void SignalSpecification::setFromPersistentData(const nvArray* structArray, std:
         WhenAbsent whenAbsent = WhenAbsent::Read;
     };
     // "DomainType_" and "VisualType_" are optional too: the text of a missing field reads as empty.
-    static constexpr std::array<Step, Fields::persistedCount> order = {{
+    static constexpr auto order = std::to_array<Step>({
         {Fields::Uuid},
         {Fields::ZID},
         {Fields::OutputPortIndex},
@@ -145,7 +148,8 @@ void SignalSpecification::setFromPersistentData(const nvArray* structArray, std:
         {Fields::DomainType},
         {Fields::VisualType},
         {Fields::DomainParams, WhenAbsent::Keep},
-    }};
+    });
+    static_assert(order.size() == Fields::persistedCount);
     for (const Step& step : order) {
         const Fields::Row& row = Fields::table[step.field];
         const nvArray* value = nvGetField(structArray, index, row.name);
