@@ -1,4 +1,6 @@
-# Debian's Boost 1.81. Another release hashes strings differently, and source keys follow this one.
+# Debian's Boost 1.81 and no other release: another hashes strings differently. Source keys never leave the
+# process; but this hash settles which texts have the key 0, and so are not entered in a port map, and which
+# share a key. The tests name texts of both kinds and work the hash out themselves (tests/hmi/KeyHash.hpp).
 find_path(ZM_BOOST_INCLUDE_DIR boost/version.hpp)
 if(NOT ZM_BOOST_INCLUDE_DIR)
     message(FATAL_ERROR "Boost 1.81 is missing: install libboost1.81-dev")
