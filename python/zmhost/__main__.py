@@ -18,7 +18,7 @@ BANNER = """zmhost: the host's own prompt. Python, with these at hand:
   {names}
 Try
   model = zmhost.open_model("examples/greenhouse.ssd")
-  dir({hint}), help({hint}), print(zmhost.ledger())
+  model.blocks, dir(Zelmar.HMI), help(Zelmar.HMI.InstrumentedSignals)
 Ctrl-D leaves."""
 
 
@@ -83,8 +83,7 @@ def _open_prompt() -> None:
         readline.parse_and_bind("tab: complete")
     except ImportError:
         pass  # line editing is a comfort
-    hint = ".".join(["Zelmar", "HMI"]) if "Zelmar" in names else "zmhost"
-    code.interact(BANNER.format(names=", ".join(names), hint=hint), local=names, exitmsg="")
+    code.interact(BANNER.format(names=", ".join(names)), local=names, exitmsg="")
 
 
 def main() -> int:

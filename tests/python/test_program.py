@@ -9,7 +9,7 @@ import textwrap
 
 import pytest
 
-from conftest import GREENHOUSE
+from conftest import GREENHOUSE, PROJECT
 
 LEAK = """
 import ctypes, zmhost
@@ -185,6 +185,17 @@ def test_the_prompt_has_the_host_at_hand(run):
     assert "<Zelmar.HMI.InstrumentedSignals Model='plant'>" in result.stdout
     assert "zmhost, Zelmar" in result.stderr and "open_model" in result.stderr
     assert result.returncode == 0
+
+
+def test_what_the_prompt_recommends_can_be_typed(run):
+    banner = run("-m", "zmhost", input="").stderr
+    recommended = banner[banner.index("Try\n") + 4 : banner.index("Ctrl-D")]
+    lines = [line.strip() for line in recommended.splitlines()]
+    assert len(lines) == 2
+    result = run("-m", "zmhost", input="\n".join(lines) + "\n", cwd=PROJECT, env={"PAGER": "cat"})
+    assert "Error" not in result.stderr
+    assert "component 'Gewächshaus/" in result.stdout and "'InstrumentedSignals'" in result.stdout
+    assert "isPortObserved(" in result.stdout
 
 
 def test_help_lists_the_options(run):
