@@ -6,6 +6,8 @@ import argparse
 import code
 import gc
 import os
+import select
+import signal
 import sys
 import traceback
 import types
@@ -20,6 +22,11 @@ Try
   model = zmhost.open_model("examples/greenhouse.ssd")
   model.blocks, dir(Zelmar.HMI), help(Zelmar.HMI.InstrumentedSignals)
 Ctrl-D leaves."""
+
+STANDARD_OUTPUT = 1
+# As shells say it of a program that the signal ends.
+INTERRUPTED = 128 + signal.SIGINT
+NOBODY_READS = 128 + signal.SIGPIPE
 
 
 def _parse(arguments: list[str]) -> argparse.Namespace:
@@ -38,6 +45,21 @@ def _print_error(error: BaseException) -> None:
     """As Python does, without our own frame."""
     below = error.__traceback__.tb_next if error.__traceback__ is not None else None
     traceback.print_exception(type(error), error, below)
+
+
+def _has_reader() -> bool:
+    """Whether somebody can still read what is printed."""
+    output = select.poll()
+    output.register(STANDARD_OUTPUT, 0)
+    return not output.poll(0)
+
+
+def _print_no_more() -> int:
+    """Lets what is still to be printed go nowhere, as nobody reads it; the exit code that says so."""
+    nowhere = os.open(os.devnull, os.O_WRONLY)
+    os.dup2(nowhere, STANDARD_OUTPUT)
+    os.close(nowhere)
+    return NOBODY_READS
 
 
 def _run_script(path: str, arguments: list[str]) -> int:
@@ -62,7 +84,12 @@ def _run_script(path: str, arguments: list[str]) -> int:
         raise
     except KeyboardInterrupt as error:
         _print_error(error)
-        return 130
+        return INTERRUPTED
+    except BrokenPipeError as error:
+        if not _has_reader():
+            return _print_no_more()
+        _print_error(error)  # another pipe, which is the script's business
+        return 1
     except Exception as error:
         _print_error(error)
         return 1
@@ -90,10 +117,19 @@ def main() -> int:
     options = _parse(sys.argv[1:])
     if options.log_host_calls:
         zmhost.log_host_calls()
-    if options.script is not None:
-        return _run_script(options.script, options.arguments)
-    _open_prompt()
-    return 0
+    try:
+        if options.script is not None:
+            return _run_script(options.script, options.arguments)
+        _open_prompt()
+        return 0
+    finally:
+        try:
+            if sys.__stdout__ is not None:
+                sys.__stdout__.flush()
+        except BrokenPipeError:
+            sys.exit(_print_no_more())
+        except (OSError, ValueError):
+            pass  # a full disk, which Python tells of when it ends, or a stream that the script has closed
 
 
 if __name__ == "__main__":

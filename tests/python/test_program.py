@@ -158,6 +158,40 @@ def test_control_c_ends_a_script_as_it_ends_python(script):
     assert process.returncode == 130 and "KeyboardInterrupt" in errors
 
 
+@pytest.mark.parametrize("unbuffered", ["", "1"])
+@pytest.mark.parametrize("line", ["print('line ' * 20000)", "print('a line')", "print('a line'); sys.exit(7)"])
+def test_a_script_whose_output_nobody_reads_ends_quietly(script, line, unbuffered):
+    file = script(f"import sys\n{line}\n")
+    reader, writer = os.pipe()
+    os.close(reader)
+    with os.fdopen(writer, "wb") as output:
+        ended = subprocess.run(
+            [sys.executable, "-m", "zmhost", file],
+            env={**os.environ, "PYTHONUNBUFFERED": unbuffered},
+            stdout=output,
+            stderr=subprocess.PIPE,
+            text=True,
+            timeout=120,
+        )
+    assert (ended.returncode, ended.stderr) == (128 + signal.SIGPIPE, "")
+
+
+def test_a_reader_that_has_read_all_is_no_failure(script):
+    command = f"{sys.executable} -m zmhost {script('print(1)')} | cat; exit ${{PIPESTATUS[0]}}"
+    result = subprocess.run(["bash", "-c", command], capture_output=True, text=True, timeout=120)
+    assert (result.returncode, result.stdout, result.stderr) == (0, "1\n", "")
+
+
+def test_a_script_may_close_its_output(run, script):
+    result = run("-m", "zmhost", script("import sys; print('last'); sys.stdout.close()"))
+    assert (result.returncode, result.stdout, result.stderr) == (0, "last\n", "")
+
+
+def test_another_pipe_that_breaks_is_an_error(run, script):
+    result = run("-m", "zmhost", script("raise BrokenPipeError('mine')"))
+    assert result.returncode == 1 and "BrokenPipeError: mine" in result.stderr
+
+
 def test_warnings_can_be_errors(run, script):
     file = script(
         """
