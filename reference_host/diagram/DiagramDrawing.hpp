@@ -17,7 +17,7 @@ ZM_REFHOST_API std::string diagramAsDot(const Model& model);
 
 /// Draws a model into a file, in the format that the file's extension names (".svg", ".png", ".pdf" …), by
 /// Graphviz's program "dot". Where the program is missing or fails, nothing is drawn and a host error says
-/// so ("DrawingFailed": file, reason).
+/// so ("DrawingFailed": file, reason), in the program's own words where it has any.
 ZM_REFHOST_API void drawDiagram(const Model& model, const std::filesystem::path& file);
 
 }  // namespace reference_host

@@ -1,5 +1,6 @@
 #include "reference_host/diagram/DiagramErrors.hpp"
 
+#include "host/Text.hpp"
 #include "reference_host/calls/MessageCatalog.hpp"
 
 #include <array>
@@ -30,11 +31,13 @@ constexpr std::array messages{
     Message{"DanglingConnection", "{0}:{1}: {2}"},  // file, line, reason; the reasons follow
     Message{"NoSuchElement", "A connection ends at \"{0}\", which \"{1}\" does not hold."},
     Message{"NoSuchConnector", "A connection ends at connector \"{0}\", which \"{1}\" does not have."},
+    Message{"FurtherConnections", "More connections end where nothing is; they are not listed."},
     // names and places
     Message{"InvalidName", "The name \"{0}\" {1}."},
     Message{"DuplicateName", "The name \"{0}\" is taken in \"{1}\"."},
     Message{"InvalidSystem", "\"{0}\" is not a system of the model \"{1}\"."},
     Message{"InvalidBlock", "\"{0}\" is not a block of the model \"{1}\"."},
+    Message{"NoNumberLeft", "\"{0}\" has given every number that there is to a block."},
     Message{"InvalidNumber", "{0} cannot be the number of \"{1}\"; it is 0, taken or above the last one."},
     Message{"InvalidMove", "\"{0}\" cannot be moved into \"{1}\", which is inside it."},
     Message{"InvalidPort", "\"{0}\" has no output port {1}."},
@@ -68,6 +71,12 @@ zmsvException diagramError(const char* key, std::vector<zmsvMessageArgument> arg
     [[maybe_unused]] static const bool areDefined = defineMessages();
     const zmsvMessageId id(diagramCatalog, key, std::move(arguments));
     return {id, MessageCatalog::text(id)};
+}
+
+std::string endOfPath(const std::u16string& path)
+{
+    constexpr std::size_t longest = 500;
+    return path.size() <= longest ? toUtf8(path) : "..." + toUtf8(path.substr(path.size() - longest));
 }
 
 }  // namespace reference_host

@@ -26,19 +26,41 @@ namespace {
 /// A file without a name, which is gone when it is closed.
 using NamelessFile = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
-NamelessFile write(const std::filesystem::path& file, const std::string& text)
+NamelessFile makeFile(const std::filesystem::path& drawing)
 {
-    NamelessFile out(std::tmpfile(), std::fclose);
-    if (out == nullptr || std::fwrite(text.data(), 1, text.size(), out.get()) != text.size() ||
-        std::fflush(out.get()) != 0) {
-        refuse(file, "The drawing cannot be written down (" + std::generic_category().message(errno) + ").");
+    NamelessFile made(std::tmpfile(), std::fclose);
+    if (made == nullptr) {
+        refuse(drawing, "No temporary file could be made (" + std::generic_category().message(errno) + ").");
+    }
+    return made;
+}
+
+NamelessFile write(const std::filesystem::path& drawing, const std::string& text)
+{
+    NamelessFile out = makeFile(drawing);
+    if (std::fwrite(text.data(), 1, text.size(), out.get()) != text.size() || std::fflush(out.get()) != 0) {
+        refuse(drawing,
+               "The drawing cannot be written down (" + std::generic_category().message(errno) + ").");
     }
     std::rewind(out.get());
     return out;
 }
 
-/// Runs the program to its end on an input; its exit code.
-int run(const std::filesystem::path& file, std::vector<std::string> words, std::FILE* input)
+/// What a program has written into a file, without the end of the last line.
+std::string read(std::FILE* file)
+{
+    std::rewind(file);
+    std::string text;
+    for (int c = std::fgetc(file); c != EOF; c = std::fgetc(file)) {
+        text += static_cast<char>(c);
+    }
+    text.erase(text.find_last_not_of(" \n") + 1);
+    return text;
+}
+
+/// Runs the program to its end on an input, and with a file for its errors; its exit code.
+int run(const std::filesystem::path& file, std::vector<std::string> words, std::FILE* input,
+        std::FILE* errors)
 {
     std::vector<char*> arguments;
     arguments.reserve(words.size() + 1);
@@ -49,6 +71,9 @@ int run(const std::filesystem::path& file, std::vector<std::string> words, std::
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     int error = posix_spawn_file_actions_adddup2(&actions, fileno(input), STDIN_FILENO);
+    if (error == 0) {
+        error = posix_spawn_file_actions_adddup2(&actions, fileno(errors), STDERR_FILENO);
+    }
     pid_t process = 0;
     if (error == 0) {
         error = posix_spawnp(&process, arguments[0], &actions, nullptr, arguments.data(), environ);
@@ -76,12 +101,15 @@ void drawDiagram(const Model& model, const std::filesystem::path& file)
         refuse(file, "The file's extension says what format to draw in, such as \".svg\".");
     }
     const NamelessFile source = write(file, diagramAsDot(model));
+    const NamelessFile errors = makeFile(file);
     // A name that begins with a dash would count as an option; a whole path never does.
     const int exitCode =
         run(file, {"dot", "-T" + extension.substr(1), "-o", std::filesystem::absolute(file).string()},
-            source.get());
+            source.get(), errors.get());
     if (exitCode != 0) {
-        refuse(file, "Graphviz's program \"dot\" failed with code " + std::to_string(exitCode) + ".");
+        const std::string reason = read(errors.get());
+        refuse(file, "Graphviz's program \"dot\" failed with code " + std::to_string(exitCode) +
+                         (reason.empty() ? "." : ": " + reason));
     }
 }
 

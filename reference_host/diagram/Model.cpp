@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <limits>
 #include <utility>
 
 namespace reference_host {
@@ -109,6 +110,9 @@ Block& Model::add(Block& system, std::u16string name, BlockKind kind)
     checkSystem(*this, system);
     std::unique_ptr<Block> made(new Block(*this, &system, kind, checkedName(std::move(name))));
     checkFree(system, made->name());
+    if (m_lastNumber == std::numeric_limits<std::uint32_t>::max()) {
+        throw diagramError("NoNumberLeft", {toUtf8(m_root.name())});
+    }
     Block& block = *made;
     block.m_number = ++m_lastNumber;
     block.m_handle = nextHandle();

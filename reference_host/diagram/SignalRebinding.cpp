@@ -150,17 +150,16 @@ void reportUnbound(const SignalRecord& signal)
     Warnings::report({shown.id(), shown.what()});
 }
 
-}  // namespace
-
-void rebindSignals(const nvArray* signals, bool removeUnbound)
+/// Replaces every signal by what `bind` makes of it; where that is nothing, the signal is unbound.
+template <class Bind>
+void bindAnew(const nvArray* signals, bool removeUnbound, Bind bind)
 {
-    PortUUIDs uuids;
     TakenEntries taken;
     std::vector<std::pair<SignalRecord, std::size_t>> kept;  // with the step that entered it
     std::size_t step = 0;
     for (SignalRecord& signal : readSignals(signals)) {
         ++step;
-        std::optional<SignalRecord> bound = boundBy(signal, uuids);
+        std::optional<SignalRecord> bound = bind(signal);
         if (!bound) {
             reportUnbound(signal);
             if (removeUnbound) {
@@ -181,6 +180,28 @@ void rebindSignals(const nvArray* signals, bool removeUnbound)
             rebind(signals, i, kept[i].first);
         }
     }
+}
+
+}  // namespace
+
+void rebindSignals(const nvArray* signals, bool removeUnbound)
+{
+    PortUUIDs uuids;
+    bindAnew(signals, removeUnbound, [&uuids](const SignalRecord& signal) { return boundBy(signal, uuids); });
+}
+
+void renumberSignals(const nvArray* signals, const NewPortNumbers& newNumbers)
+{
+    bindAnew(signals, true, [&newNumbers](const SignalRecord& signal) -> std::optional<SignalRecord> {
+        const auto numbers = newNumbers.find(placeOf(signal).block);
+        const auto port = static_cast<std::size_t>(std::max(signal.outputPort, 0));
+        if (signal.chartObject || numbers == newNumbers.end() || port == 0 || port > numbers->second.size()) {
+            return signal;
+        }
+        SignalRecord renumbered = signal;
+        renumbered.outputPort = numbers->second[port - 1];
+        return renumbered.outputPort == 0 ? std::nullopt : std::optional(renumbered);
+    });
 }
 
 void applyRebindingRules(HostFunctionCall& call)

@@ -3,6 +3,10 @@
 
 #include "reference_host/Export.hpp"
 #include "reference_host/calls/HostFunctions.hpp"
+#include "reference_host/diagram/Model.hpp"
+
+#include <unordered_map>
+#include <vector>
 
 namespace reference_host {
 
@@ -19,6 +23,13 @@ namespace reference_host {
 /// as a warning ("SignalUnbound": path, port; "ActivityUnbound": path, object), and stays as it is, or is
 /// removed where `removeUnbound` says so.
 ZM_REFHOST_API void rebindSignals(const nvArray* signals, bool removeUnbound);
+
+/// For each output port that a block had, by its old number from 1, the new one; 0 where it is gone.
+using NewPortNumbers = std::unordered_map<const Block*, std::vector<int>>;
+
+/// Gives the signals on the ports of these blocks their new numbers. One whose port is gone is reported as a
+/// warning ("SignalUnbound") and removed.
+ZM_REFHOST_API void renumberSignals(const nvArray* signals, const NewPortNumbers& newNumbers);
 
 /// The host function "applyRebindingRules": takes one "Zelmar.HMI.InstrumentedSignals", any other value is
 /// the host error "InvalidSignals", and the flag `removeUnbound`.

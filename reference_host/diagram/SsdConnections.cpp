@@ -11,6 +11,10 @@ namespace reference_host {
 
 namespace {
 
+/// A document with more of them has another fault than its connections, and a list without an end helps
+/// nobody.
+constexpr std::size_t mostWarnings = 1000;
+
 /// The connectors of a system and of its blocks, for look-up by name.
 class Connectors {
 public:
@@ -73,23 +77,26 @@ void SsdConnections::connect(Block& system, std::vector<SsdWarning>& warnings)
         return;
     }
     const Connectors connectors(system);
-    const auto warn = [&warnings](std::uint64_t line, const char* key, const std::string& name,
+    const auto warn = [&warnings](std::uint64_t line, const char* key, const std::u16string& name,
                                   const Block& place) {
-        warnings.push_back({line, diagramError(key, {name, toUtf8(place.path())}).what()});
+        if (warnings.size() < mostWarnings) {
+            warnings.push_back({line, diagramError(key, {endOfPath(name), endOfPath(place.path())}).what()});
+        } else if (warnings.size() == mostWarnings) {
+            warnings.push_back({line, diagramError("FurtherConnections", {}).what()});
+        }
     };
     const auto connectEnd = [&](ConnectionEnd& end, std::uint64_t line) {
         if (m_dictionaries.contains(end.elementName)) {
             return;
         }
-        const std::string element = toUtf8(end.elementName);
-        end.element = element.empty() ? &system : system.child(end.elementName);
+        end.element = end.elementName.empty() ? &system : system.child(end.elementName);
         if (end.element == nullptr) {
-            warn(line, "NoSuchElement", element, system);
+            warn(line, "NoSuchElement", end.elementName, system);
             return;
         }
         end.elementName.clear();
         if (!connectors.has(*end.element, end.connector)) {
-            warn(line, "NoSuchConnector", toUtf8(end.connector), *end.element);
+            warn(line, "NoSuchConnector", end.connector, *end.element);
         }
     };
     for (Entry& entry : m_entries) {

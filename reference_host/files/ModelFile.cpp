@@ -8,6 +8,7 @@
 #include "reference_host/diagram/DiagramErrors.hpp"
 #include "reference_host/diagram/EditHistory.hpp"
 #include "reference_host/diagram/OpenModels.hpp"
+#include "reference_host/diagram/SignalRebinding.hpp"
 #include "reference_host/diagram/SignalRecords.hpp"
 #include "reference_host/diagram/SsdReader.hpp"
 #include "reference_host/files/Archive.hpp"
@@ -203,12 +204,16 @@ OwnedValue readCollection(const std::filesystem::path& file, const Archive& arch
     });
 }
 
-void readObservers(const std::filesystem::path& file, const Archive& archive, Model& model, Steps& steps)
+void readObservers(const std::filesystem::path& file, const Archive& archive, Model& model,
+                   const NewPortNumbers& newNumbers, Steps& steps)
 {
     steps.begin("instrumented signals");
-    OwnedValue signals = readCollection(file, archive, signalsEntry, signalsClass, model.name());
+    const OwnedValue signals = readCollection(file, archive, signalsEntry, signalsClass, model.name());
+    if (signals != nullptr && !newNumbers.empty()) {
+        renumberSignals(signals.get(), newNumbers);
+    }
     steps.begin("streaming clients");
-    OwnedValue clients = readCollection(file, archive, clientsEntry, clientsClass, model.name());
+    const OwnedValue clients = readCollection(file, archive, clientsEntry, clientsClass, model.name());
     if (signals == nullptr && clients == nullptr) {
         return;
     }
@@ -222,12 +227,12 @@ void readObservers(const std::filesystem::path& file, const Archive& archive, Mo
 /// Adds the model to the open ones, with its observers. Scripts run meanwhile; one that closes the model, or
 /// gives it another name, has ended the opening.
 void openWithObservers(const std::filesystem::path& file, const Archive& archive,
-                       const std::shared_ptr<Model>& model, Steps& steps)
+                       const std::shared_ptr<Model>& model, const NewPortNumbers& newNumbers, Steps& steps)
 {
     const std::u16string name = model->name();
     OpenModels::add(model);
     try {
-        readObservers(file, archive, *model, steps);
+        readObservers(file, archive, *model, newNumbers, steps);
         if (OpenModels::find(name) != model) {
             throw diagramError("ModelNotOpen", {toUtf8(name)});
         }
@@ -354,20 +359,20 @@ std::shared_ptr<Model> openModel(const std::filesystem::path& file, const FilePr
     const std::shared_ptr<const ModelSource> source = readSource(file);
     steps.begin("diagram");
     SsdDocument document = readDescription(file, *source);
-    const std::shared_ptr<Model> model = std::move(document.model);
+    std::shared_ptr<Model> model = std::move(document.model);
     model->setSource(source);
     steps.begin("tool data");
-    std::vector<std::string> leftOver;
+    ToolDataChanges changes;
     if (source->archive != nullptr && source->archive->has(toolDataEntry)) {
-        leftOver = inEntry(file, toolDataEntry,
-                           [&] { return applyToolData(*model, source->archive->read(toolDataEntry)); });
+        changes = inEntry(file, toolDataEntry,
+                          [&] { return applyToolData(*model, source->archive->read(toolDataEntry)); });
     }
     if (source->archive != nullptr) {
-        openWithObservers(file, *source->archive, model, steps);
+        openWithObservers(file, *source->archive, model, changes.newNumbers, steps);
     } else {
         OpenModels::add(model);
     }
-    reportPassedOver(file, document.warnings, leftOver);
+    reportPassedOver(file, document.warnings, changes.leftOver);
     return model;
 }
 

@@ -1,6 +1,7 @@
 #include "reference_host/files/ToolData.hpp"
 
 #include "host/Text.hpp"
+#include "reference_host/diagram/DiagramErrors.hpp"
 #include "reference_host/files/FileErrors.hpp"
 #include "reference_host/files/JsonDocument.hpp"
 #include "reference_host/files/JsonWriter.hpp"
@@ -135,7 +136,7 @@ public:
     void add(const std::string& what, const Path& path)
     {
         if (++m_count <= most) {
-            m_sentences.push_back(what + endOf(path()) + "\" is no longer there");
+            m_sentences.push_back(what + endOfPath(path()) + "\" is no longer there");
         }
     }
 
@@ -145,13 +146,6 @@ public:
             m_sentences.push_back(std::to_string(m_count - most) + " more are no longer there");
         }
         return std::move(m_sentences);
-    }
-
-    /// Of a path that is too long for a line, its end tells most.
-    static std::string endOf(const std::u16string& path)
-    {
-        constexpr std::size_t longest = 500;
-        return path.size() <= longest ? toUtf8(path) : "..." + toUtf8(path.substr(path.size() - longest));
     }
 
 private:
@@ -200,12 +194,17 @@ public:
             if (port != none) {
                 ordered.push_back(m_ports[port]);
             }
+            m_newNumbers.push_back(port != none ? static_cast<int>(ordered.size()) : 0);
         }
         for (std::size_t port = nextNew(); port != none; port = nextNew()) {
             ordered.push_back(m_ports[port]);
         }
         return ordered;
     }
+
+    /// For each number that was kept, the one that it has become; 0 where the port is gone. Known once they
+    /// are taken.
+    const std::vector<int>& newNumbers() const noexcept { return m_newNumbers; }
 
 private:
     static constexpr std::size_t none = std::numeric_limits<std::size_t>::max();
@@ -214,6 +213,7 @@ private:
     std::unordered_map<std::u16string_view, std::vector<std::size_t>> m_byName;  // the first one last
     std::vector<bool> m_isPlaced;
     std::vector<std::size_t> m_places;
+    std::vector<int> m_newNumbers;
 };
 
 /// Gives a model what was kept of it, system by system.
@@ -230,7 +230,7 @@ public:
         numberBlocks();
     }
 
-    std::vector<std::string> takeLeftOver() { return m_leftOver.take(); }
+    ToolDataChanges takeChanges() { return {m_leftOver.take(), std::move(m_newNumbers)}; }
 
 private:
     static void checkForm(const JsonView& document)
@@ -294,11 +294,15 @@ private:
         PortOrder order(ports);
         for (const std::u16string& name : kept) {
             if (!order.place(name)) {
-                m_leftOver.add("output port \"" + LeftOver::endOf(name) + "\" of \"",
+                m_leftOver.add("output port \"" + endOfPath(name) + "\" of \"",
                                [&block] { return block.path(); });
             }
         }
-        block.setPorts(PortKind::Output, order.take());
+        std::vector<Port> ordered = order.take();
+        if (std::ranges::find(order.newNumbers(), 0) != order.newNumbers().end()) {
+            m_newNumbers.emplace(&block, order.newNumbers());
+        }
+        block.setPorts(PortKind::Output, std::move(ordered));
     }
 
     static void readChart(const JsonView& kept, Block& block)
@@ -334,6 +338,7 @@ private:
     std::uint32_t m_lastNumber = 0;
     std::unordered_map<const Block*, std::uint32_t> m_numbers;
     LeftOver m_leftOver;
+    NewPortNumbers m_newNumbers;
 };
 
 }  // namespace
@@ -351,12 +356,12 @@ std::string toolDataOf(const Model& model)
     return json.take();
 }
 
-std::vector<std::string> applyToolData(Model& model, std::string_view json)
+ToolDataChanges applyToolData(Model& model, std::string_view json)
 {
     const Json document = parseJson(json);
     ToolDataReader reader(model);
     reader.read(JsonView(document));
-    return reader.takeLeftOver();
+    return reader.takeChanges();
 }
 
 }  // namespace reference_host

@@ -3,6 +3,7 @@
 
 #include "reference_host/Export.hpp"
 #include "reference_host/diagram/Model.hpp"
+#include "reference_host/diagram/SignalRebinding.hpp"
 
 #include <string>
 #include <string_view>
@@ -19,10 +20,16 @@ inline constexpr unsigned toolDataVersion = 1;
 /// description which another program has changed keeps what still fits.
 ZM_REFHOST_API std::string toolDataOf(const Model& model);
 
-/// Gives a model that was just read what `toolDataOf` has kept, and returns a sentence for everything that
-/// has no place in it; blocks that nothing was kept about get new numbers. Text of another form is refused
-/// with the reason, a newer version with both numbers ("NewerVersion"); the model is of no use then.
-ZM_REFHOST_API std::vector<std::string> applyToolData(Model& model, std::string_view json);
+/// What did not fit a description that another program has changed.
+struct ToolDataChanges {
+    std::vector<std::string> leftOver;  ///< a sentence for everything that has no place any more
+    NewPortNumbers newNumbers;          ///< of blocks whose ports could not keep their numbers
+};
+
+/// Gives a model that was just read what `toolDataOf` has kept; blocks that nothing was kept about get new
+/// numbers. Text of another form is refused with the reason, a newer version with both numbers
+/// ("NewerVersion"); the model is of no use then.
+ZM_REFHOST_API ToolDataChanges applyToolData(Model& model, std::string_view json);
 
 }  // namespace reference_host
 

@@ -1,4 +1,5 @@
 #include "tests/reference_host/files/ModelFileTest.hpp"
+#include "reference_host/diagram/CollectionAccess.hpp"
 
 namespace reference_host {
 
@@ -228,6 +229,65 @@ TEST_F(ModelFileTest, WhatIsLeftOverIsToldInBounds)
     ASSERT_EQ(warnings.size(), 1001U);
     EXPECT_LT(warnings.front().text.size(), 1000U);
     EXPECT_TRUE(warnings.back().text.ends_with(": 2 more are no longer there.")) << warnings.back().text;
+}
+
+TEST_F(ModelFileTest, SignalsStayOnTheirPortsBesideOneThatWasDeletedElsewhere)
+{
+    m_gain.addPort(PortKind::Output, u"y3");
+    addSignal(m_gain, 1, "one");
+    addSignal(m_gain, 2, "two");
+    addSignal(m_gain, 3, "three");
+    setObservers();
+    saveModel(*m_model, m_file);
+    OpenModels::close(u"plant");
+    const Archive saved(bytesOf(m_file));
+    const std::string changed = description(
+        "<ssd:Elements><ssd:System name='Panel'><ssd:Elements><ssd:Component name='Gauge' source=''/>"
+        "<ssd:Component name='Lamp' source=''/></ssd:Elements></ssd:System>"
+        "<ssd:Component name='Gain' source=''><ssd:Connectors>"
+        "<ssd:Connector name='y1' kind='output'/><ssd:Connector name='y3' kind='output'/>"
+        "</ssd:Connectors></ssd:Component></ssd:Elements>");
+    const auto model =
+        openModel(write("changed.ssp", Archive::pack(&saved, {{"SystemStructure.ssd", changed}})));
+    std::vector<std::string> warnings;
+    for (const Warning& warning : Warnings::take()) {
+        warnings.push_back(warning.id.key());
+    }
+    EXPECT_EQ(warnings, (std::vector<std::string>{"SignalUnbound", "LeftOver"}));
+    const OwnedValue signals = property(model->observers(), "Signals");
+    ASSERT_EQ(elementsIn(signals.get()), 2U);
+    EXPECT_EQ(read(element(signals, 1), "UUID") + read(element(signals, 1), "OutputPortIndex_"),
+              "\"one\"double 1");
+    EXPECT_EQ(read(element(signals, 2), "UUID") + read(element(signals, 2), "OutputPortIndex_"),
+              "\"three\"double 2");
+}
+
+TEST_F(ModelFileTest, LastNumberIsNotFollowedByTheFirst)
+{
+    OpenModels::close(u"plant");
+    const auto file =
+        pack({{"SystemStructure.ssd", description("")},
+              {toolDataEntry,
+               R"({"format":"com.zelmar.hmi.model","version":1,"lastNumber":4294967294,"blocks":[]})"}});
+    const auto model = openModel(file);
+    EXPECT_EQ(model->add(model->root(), u"A", BlockKind::Component).number(), 4294967295U);
+    EXPECT_EQ(hostError([&] { model->add(model->root(), u"B", BlockKind::Component); }), "NoNumberLeft");
+    EXPECT_EQ(model->blockCount(), 1U);
+}
+
+TEST_F(ModelFileTest, WarningsAboutConnectionsComeToAnEnd)
+{
+    OpenModels::close(u"plant");
+    std::string connections =
+        "<ssd:Elements><ssd:System name='" + std::string(5000, 's') + "'><ssd:Connections>";
+    for (int i = 0; i < 2000; ++i) {
+        connections += "<ssd:Connection startElement='No' endElement='No'/>";
+    }
+    openModel(write("a.ssd", description(connections + "</ssd:Connections></ssd:System></ssd:Elements>")));
+    const std::vector<Warning> warnings = Warnings::take();
+    ASSERT_EQ(warnings.size(), 1001U);
+    EXPECT_LT(warnings.front().text.size(), 1000U);
+    EXPECT_TRUE(warnings.back().text.ends_with("they are not listed."));
 }
 
 // ---- refusals ---------------------------------------------------------------------------------------
