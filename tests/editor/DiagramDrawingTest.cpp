@@ -175,5 +175,24 @@ TEST_F(DiagramDrawing, WhatCannotBeDrawnIsAHostError)
     EXPECT_TRUE(std::filesystem::is_empty(file("x.svg").parent_path()));
 }
 
+TEST_F(DiagramDrawing, TheErrorSaysWhatTheProgramSays)
+{
+    const auto errorOf = [this](const std::filesystem::path& drawing) -> std::string {
+        testing::internal::CaptureStderr();
+        std::string error;
+        try {
+            rh::drawDiagram(*model, drawing);
+        } catch (const zmsvException& thrown) {
+            error = thrown.what();
+        }
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+        return error;
+    };
+    const std::string unknown = errorOf(file("x.foo"));
+    EXPECT_NE(unknown.find("code 1: Format: \"foo\" not recognized"), std::string::npos) << unknown;
+    const std::string missing = errorOf(file("x.svg").parent_path() / "missing" / "x.svg");
+    EXPECT_TRUE(missing.ends_with(": No such file or directory")) << missing;
+}
+
 }  // namespace
 }  // namespace editor
