@@ -232,8 +232,9 @@ private:
     std::unordered_set<const zmPort*> m_cachedPorts;
     std::unordered_map<std::size_t, bool, KeyIsHash> m_observedActivities;
     std::unordered_map<std::size_t, Activities, KeyIsHash> m_chartObjects;
-    /// Never true so far: nothing in the library sets it. It stays because its two other ends are settled, the
-    /// query by path that heeds it and the rebinding that ends it; who is to announce a rebinding is open.
+    /// Never true so far: nothing in the library sets it. It stays because its two other ends are settled,
+    /// the query by path that heeds it and the rebinding that ends it; who is to announce a rebinding is
+    /// open.
     bool m_rebindingPending = false;
 
     static const std::unordered_map<std::string, std::size_t> m_kwActivityBitMask;
