@@ -1,6 +1,6 @@
 #include "recorder/RecordingErrors.hpp"
 
-#include "reference_host/calls/MessageCatalog.hpp"
+#include "reference_host/calls/ErrorCatalog.hpp"
 
 #include <array>
 #include <utility>
@@ -9,10 +9,7 @@ namespace recorder {
 
 namespace {
 
-struct Message {
-    const char* key;
-    const char* text;
-};
+using Message = reference_host::CatalogMessage;
 
 constexpr std::array messages{
     // files
@@ -49,21 +46,12 @@ constexpr std::array messages{
     Message{"TargetInUse", "{0}: another recording writes there already."},
 };
 
-bool defineMessages()
-{
-    for (const Message& message : messages) {
-        reference_host::MessageCatalog::define(recordingCatalog, message.key, message.text);
-    }
-    return true;
-}
-
 }  // namespace
 
 zmsvException recordingError(const char* key, std::vector<zmsvMessageArgument> arguments)
 {
-    [[maybe_unused]] static const bool areDefined = defineMessages();
-    const zmsvMessageId id(recordingCatalog, key, std::move(arguments));
-    return {id, reference_host::MessageCatalog::text(id)};
+    static const reference_host::ErrorCatalog catalog(recordingCatalog, messages);
+    return catalog.error(key, std::move(arguments));
 }
 
 }  // namespace recorder

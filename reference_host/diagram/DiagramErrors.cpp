@@ -1,7 +1,7 @@
 #include "reference_host/diagram/DiagramErrors.hpp"
 
 #include "host/Text.hpp"
-#include "reference_host/calls/MessageCatalog.hpp"
+#include "reference_host/calls/ErrorCatalog.hpp"
 
 #include <array>
 #include <utility>
@@ -10,10 +10,7 @@ namespace reference_host {
 
 namespace {
 
-struct Message {
-    const char* key;
-    const char* text;
-};
+using Message = CatalogMessage;
 
 constexpr std::array messages{
     // files and documents
@@ -56,21 +53,12 @@ constexpr std::array messages{
     Message{"InvalidSignal", "{0} takes one signal, an object of class \"{1}\"."},
 };
 
-bool defineMessages()
-{
-    for (const Message& message : messages) {
-        MessageCatalog::define(diagramCatalog, message.key, message.text);
-    }
-    return true;
-}
-
 }  // namespace
 
 zmsvException diagramError(const char* key, std::vector<zmsvMessageArgument> arguments)
 {
-    [[maybe_unused]] static const bool areDefined = defineMessages();
-    const zmsvMessageId id(diagramCatalog, key, std::move(arguments));
-    return {id, MessageCatalog::text(id)};
+    static const ErrorCatalog catalog(diagramCatalog, messages);
+    return catalog.error(key, std::move(arguments));
 }
 
 std::string endOfPath(const std::u16string& path)

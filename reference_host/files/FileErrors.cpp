@@ -1,6 +1,6 @@
 #include "reference_host/files/FileErrors.hpp"
 
-#include "reference_host/calls/MessageCatalog.hpp"
+#include "reference_host/calls/ErrorCatalog.hpp"
 
 #include <array>
 #include <utility>
@@ -9,10 +9,7 @@ namespace reference_host {
 
 namespace {
 
-struct Message {
-    const char* key;
-    const char* text;
-};
+using Message = CatalogMessage;
 
 constexpr std::array messages{
     // whole files
@@ -70,21 +67,12 @@ constexpr std::array messages{
     Message{"ObjectInValue", "{0}: An object of class \"{1}\" cannot be kept in a file."},
 };
 
-bool defineMessages()
-{
-    for (const Message& message : messages) {
-        MessageCatalog::define(fileCatalog, message.key, message.text);
-    }
-    return true;
-}
-
 }  // namespace
 
 zmsvException fileError(const char* key, std::vector<zmsvMessageArgument> arguments)
 {
-    [[maybe_unused]] static const bool areDefined = defineMessages();
-    const zmsvMessageId id(fileCatalog, key, std::move(arguments));
-    return {id, MessageCatalog::text(id)};
+    static const ErrorCatalog catalog(fileCatalog, messages);
+    return catalog.error(key, std::move(arguments));
 }
 
 }  // namespace reference_host
