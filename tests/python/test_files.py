@@ -172,7 +172,10 @@ def test_a_long_work_is_shown_on_a_terminal_and_nowhere_else(tmp_path, run):
     script.write_text(STEPS.format(diagram=str(GREENHOUSE), saved=str(tmp_path / "saved.ssp")))
     piped = run("-m", "zmhost", script)
     assert (piped.returncode, piped.stdout, piped.stderr) == (0, "", "")
-    ours, theirs = pty.openpty()
+    try:
+        ours, theirs = pty.openpty()
+    except OSError as error:
+        pytest.skip(f"no terminal can be had here: {error}")
     result = subprocess.run([sys.executable, "-m", "zmhost", str(script)], stderr=theirs, stdout=subprocess.PIPE)
     os.close(theirs)
     shown = os.read(ours, 100_000).decode()
