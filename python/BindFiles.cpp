@@ -62,7 +62,8 @@ void bindFiles(py::module_& module)
            const py::function& progress) {
             atEdge([&] { reference_host::saveModel(*model, file, progressFor(progress)); });
         },
-        py::arg("model"), py::arg("path"), py::arg("progress"), "Saves an open model as an .ssp file.");
+        py::arg("model").none(false), py::arg("path"), py::arg("progress"),
+        "Saves an open model as an .ssp file.");
 }
 
 }  // namespace zmhost

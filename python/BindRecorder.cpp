@@ -63,7 +63,11 @@ streamout::FilePropertiesMap fileProperties(const std::map<std::string, py::obje
         if (PyUnicode_Check(value.ptr())) {
             result.emplace(name, textFromPython(value));
         } else {
-            result.emplace(name, py::cast<double>(value));
+            const double number = PyFloat_AsDouble(value.ptr());
+            if (PyErr_Occurred() != nullptr) {
+                throw py::error_already_set();
+            }
+            result.emplace(name, number);
         }
     }
     return result;
@@ -117,6 +121,9 @@ RecordedTable makeTable(std::vector<double> times, const std::vector<std::string
 void replay(const std::shared_ptr<Model>& model, const RecordedTable& table,
             const recorder::RecordingBlocks& blocks, const std::optional<py::function>& step)
 {
+    if (std::find(blocks.begin(), blocks.end(), nullptr) != blocks.end()) {
+        throw py::type_error("None is no recording");
+    }
     atEdge([&] {
         recorder::replay(*model, table, blocks, [&](double time) {
             checkSignals();
@@ -232,7 +239,11 @@ void bindRecorder(py::module_& module)
     bindFileRecording(module);
     bindVariableRecording(module);
     bindTable(module);
-    module.def("replay", replay, py::arg("model"), py::arg("table"), py::arg("recordings"), py::arg("step"));
+    module.def("replay", replay, py::arg("model").none(false), py::arg("table"), py::arg("recordings"),
+               py::arg("step"));
+    module.def(
+        "recorded_port_name", [](const PortReference& port) { return recorder::portName(outputPort(port)); },
+        py::arg("port"), "The port as tables name it.");
     module.def("active_recordings", activeRecordings, "The recordings of the replays that run now.");
 }
 

@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <limits>
+#include <system_error>
 #include <utility>
 
 namespace recorder {
@@ -16,12 +17,16 @@ std::filesystem::path pathFrom(const std::u16string& text)
     return {toUtf8(text)};  // this platform's paths are bytes, and ours UTF-8
 }
 
+/// Links are followed, so that two names of one file are one target.
 std::u16string absolutePath(const OutputPort& port, const std::u16string& filePath)
 {
     if (filePath.empty()) {
         throw recordingError("NoTarget", {portName(port), std::string("file")});
     }
-    return toUtf16(std::filesystem::absolute(pathFrom(filePath)).c_str());
+    const std::filesystem::path absolute = std::filesystem::absolute(pathFrom(filePath));
+    std::error_code unresolved;
+    const std::filesystem::path resolved = std::filesystem::weakly_canonical(absolute, unresolved);
+    return toUtf16((unresolved ? absolute : resolved).c_str());
 }
 
 }  // namespace

@@ -73,12 +73,13 @@ PortSearch findPort(const Model& model, std::string_view name)
 std::string portName(const OutputPort& port)
 {
     const std::vector<Port>& ports = port.block->ports(PortKind::Output);
-    const std::u16string& name = ports.at(port.index).name;
+    const bool isThere = port.index < ports.size();  // or deleted meanwhile
     const std::u16string path = port.block->path();
     const std::size_t modelPart = port.block->model().name().size() + 1;
     return reference_host::utf8FromUtf16(path.substr(std::min(modelPart, path.size()))) + ':' +
-           (countNamed(ports, name) == 1 ? reference_host::utf8FromUtf16(name)
-                                         : std::to_string(port.index + 1));
+           (isThere && countNamed(ports, ports[port.index].name) == 1
+                ? reference_host::utf8FromUtf16(ports[port.index].name)
+                : std::to_string(port.index + 1));
 }
 
 }  // namespace recorder

@@ -21,10 +21,16 @@ constexpr const char* timeHeader = "time";
 constexpr std::streamsize partSize = 65536;
 constexpr std::uint64_t firstValueColumn = 2;  // as people count columns
 
+/// Well-formed UTF-8, whatever the bytes are.
+std::string shown(const std::string& bytes)
+{
+    return reference_host::utf8FromUtf16(reference_host::utf16FromUtf8(bytes));
+}
+
 [[noreturn]] void failToRead(const std::filesystem::path& file)
 {
     const std::error_code why(errno == 0 ? EIO : errno, std::generic_category());
-    throw recordingError("UnreadableFile", {file.string(), why.message()});
+    throw recordingError("UnreadableFile", {shown(file.string()), why.message()});
 }
 
 std::string readText(const std::filesystem::path& file)
@@ -52,6 +58,17 @@ std::string readText(const std::filesystem::path& file)
     throw recordingError(key, {csv.source(), field.line, std::uint64_t{index + 1}, header, field.text});
 }
 
+void requireUtf8(const CsvReader& csv)
+{
+    for (std::size_t i = 0; i < csv.fields().size(); ++i) {
+        const CsvField& field = csv.fields()[i];
+        const bool isAscii = std::ranges::all_of(field.text, [](char c) { return (c & '\x80') == 0; });
+        if (!isAscii && shown(field.text) != field.text) {
+            throw recordingError("NotUtf8", {csv.source(), field.line, std::uint64_t{i + 1}});
+        }
+    }
+}
+
 double number(const CsvReader& csv, std::size_t index, const std::string& header)
 {
     const std::string& text = csv.fields()[index].text;
@@ -72,6 +89,7 @@ std::vector<RecordedTable::Column> readHeader(CsvReader& csv)
     if (!csv.next()) {
         throw recordingError("NoHeader", {csv.source()});
     }
+    requireUtf8(csv);
     const std::vector<CsvField>& fields = csv.fields();
     if (fields[0].text != timeHeader) {
         throw recordingError("NoTimeColumn", {csv.source(), fields[0].text});
@@ -85,6 +103,7 @@ std::vector<RecordedTable::Column> readHeader(CsvReader& csv)
 
 void readRow(const CsvReader& csv, std::vector<double>& times, std::vector<RecordedTable::Column>& columns)
 {
+    requireUtf8(csv);
     const std::size_t count = csv.fields().size();
     if (count != columns.size() + 1) {
         throw recordingError("WrongFieldCount", {csv.source(), csv.line(), std::uint64_t{count},
@@ -115,7 +134,7 @@ void checkTimes(const std::string& source, const std::vector<double>& times)
 
 RecordedTable RecordedTable::read(const std::filesystem::path& file, const Checkpoint& checkpoint)
 {
-    return parse(readText(file), file.string(), checkpoint);
+    return parse(readText(file), shown(file.string()), checkpoint);
 }
 
 RecordedTable RecordedTable::parse(std::string_view text, const std::string& source,

@@ -31,10 +31,15 @@ Values valuesFor(const RecordingBlocks& blocks, const RecordedTable& table, cons
     Values values;
     for (const auto& block : blocks) {
         requireModel(*block, model);
-        const auto found = std::find(ports.begin(), ports.end(), block->port());
+        const OutputPort& port = block->port();
+        if (port.index >= port.block->ports(reference_host::PortKind::Output).size()) {
+            throw recordingError("NoOutputPort", {reference_host::utf8FromUtf16(port.block->path()),
+                                                  std::uint64_t{port.index + 1}});
+        }
+        const auto found = std::find(ports.begin(), ports.end(), port);
         if (found == ports.end()) {
-            throw recordingError("NoValues", {"The recording into " + block->target(), table.source(),
-                                              portName(block->port())});
+            throw recordingError("NoValues",
+                                 {"The recording into " + block->target(), table.source(), portName(port)});
         }
         values.push_back(&table.columns()[static_cast<std::size_t>(found - ports.begin())].values);
     }

@@ -60,7 +60,9 @@ Table = str | os.PathLike[str] | Mapping[Any, Iterable[float]]
 
 
 def _header(port: str | Port) -> str:
-    return port if isinstance(port, str) else f"{port.block.path}:{port.index}"
+    if not isinstance(port, (str, Port)):
+        raise TypeError(f"a column is named by an output port or its name, not by {port!r}")
+    return port if isinstance(port, str) else _zmhost.recorded_port_name(port)
 
 
 def _table(table: Table) -> _zmhost.RecordedTable:
@@ -68,7 +70,12 @@ def _table(table: Table) -> _zmhost.RecordedTable:
         return _zmhost.RecordedTable.read(table)
     if "time" not in table:
         raise ValueError("the table has no column 'time'")
-    columns = {_header(port): list(map(float, values)) for port, values in table.items()}
+    columns: dict[str, list[float]] = {}
+    for port, values in table.items():
+        header = _header(port)
+        if header in columns:
+            raise ValueError(f"two columns are named {header!r}")
+        columns[header] = list(map(float, values))
     times = columns.pop("time")
     return _zmhost.RecordedTable(times, list(columns), list(columns.values()))
 

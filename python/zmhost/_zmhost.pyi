@@ -291,6 +291,9 @@ def replay(
     recordings: Sequence[Recording],
     step: Callable[[float], object] | None,
 ) -> None: ...
+def recorded_port_name(port: Port) -> str:
+    """The port as tables name it."""
+
 def active_recordings() -> list[Recording]:
     """The recordings of the replays that run now."""
 

@@ -176,3 +176,57 @@ def test_a_recording_keeps_its_diagram():
         recording = zmhost.VariableRecording(model["Klima/Luftvolumen"].outputs[0], "v")
     del model
     assert recording.port_name == "Klima/Luftvolumen:Temperatur"
+
+
+def test_nothing_in_a_recordings_place_is_a_type_error(model):
+    with pytest.raises(TypeError, match="None is no recording"):
+        zmhost.replay(model, {"time": [0]}, None)
+    with pytest.raises(TypeError):
+        zmhost.replay(None, {"time": [0], CO2: [1]})
+
+
+def test_ports_name_their_columns(model):
+    block = model.root.add("Twins")
+    for name in ("2", "1"):
+        block.add_output(name)
+    recordings = [zmhost.VariableRecording(port, f"of{port.index}") for port in block.outputs]
+    table = {"time": [0, 1], block.outputs[0]: [10, 11], block.outputs[1]: [20, 21]}
+    zmhost.replay(model, table, *recordings)
+    assert [list(zmhost.workspace[f"of{i}"]) for i in (1, 2)] == [[10, 11], [20, 21]]
+    with pytest.raises(ValueError, match="input"):
+        zmhost.replay(model, {"time": [0], model["Klima/Klimaregler"].inputs[0]: [1]})
+    with pytest.raises(ValueError, match="two columns"):
+        zmhost.replay(model, {"time": [0], "Twins:2": [1], block.outputs[0]: [1]})
+    with pytest.raises(TypeError, match="not by 7"):
+        zmhost.replay(model, {"time": [0], 7: [1]})
+
+
+@pytest.mark.parametrize("content, place", [(b"time,\xe4\n0,1\n", ":1: column 2"), (b"time,a\n0,\xe4\n", ":2: column 2")])
+def test_a_table_that_is_not_utf8_is_refused_with_its_place(model, tmp_path, content, place):
+    table = tmp_path / "latin.csv"
+    table.write_bytes(content)
+    with pytest.raises(zmhost.HostError, match=f"latin.csv{place}: the text is not UTF-8"):
+        zmhost.replay(model, table)
+
+
+def test_a_link_to_a_file_is_the_file(model, tmp_path):
+    (tmp_path / "link.csv").symlink_to(tmp_path / "real.csv")
+    (tmp_path / "real.csv").touch()
+    recordings = [zmhost.FileRecording(model["Klima/Luftvolumen"].outputs[0], tmp_path / name) for name in ("link.csv", "real.csv")]
+    assert recordings[0].target == recordings[1].target
+
+
+def test_a_port_that_was_deleted_is_no_longer_recorded(model):
+    block = model.root.add("New")
+    block.add_output("y")
+    recording = zmhost.VariableRecording(block.outputs[0], "y")
+    block.delete_output(1)
+    assert recording.port_name == "New:1" and "New:1" in repr(recording)
+    with pytest.raises(zmhost.HostError, match="has no output port 1"):
+        zmhost.replay(model, {"time": [0]}, recording)
+
+
+@pytest.mark.parametrize("digits", [None, b"x", []])
+def test_a_property_that_is_neither_text_nor_number_is_a_type_error(model, tmp_path, digits):
+    with pytest.raises(TypeError):
+        zmhost.FileRecording(model["Klima/Luftvolumen"].outputs[0], tmp_path / "a.csv", properties={"digits": digits})
