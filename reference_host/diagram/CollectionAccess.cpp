@@ -40,13 +40,6 @@ std::shared_ptr<Model> modelOf(const nvArray* collection)
     return model;
 }
 
-OwnedValue signalsOf(const Model& model)
-{
-    const OwnedValue observers = model.observers();
-    OwnedValue signals = observers ? ClassObjects::getProperty(observers.get(), "Signals") : nullptr;
-    return isEmpty(signals.get()) ? nullptr : std::move(signals);
-}
-
 std::u16string textOf(const nvArray* object, const char* name)
 {
     return text(ClassObjects::getProperty(object, name).get());

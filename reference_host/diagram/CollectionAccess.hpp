@@ -23,9 +23,6 @@ const nvArray* requireClients(const std::string& function, const nvArray* value)
 /// The open model that the collection names; a host error ("ModelNotOpen") when there is none.
 std::shared_ptr<Model> modelOf(const nvArray* collection);
 
-/// The instrumented signals in the model's observers parameter; null when there are none.
-OwnedValue signalsOf(const Model& model);
-
 std::u16string textOf(const nvArray* object, const char* name);
 
 /// Text `place` of a property that holds a cell array of texts; empty when there are not so many.

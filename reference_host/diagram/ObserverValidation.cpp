@@ -4,6 +4,7 @@
 #include "reference_host/classes/ClassObjects.hpp"
 #include "reference_host/diagram/AlignedBlockPath.hpp"
 #include "reference_host/diagram/CollectionAccess.hpp"
+#include "reference_host/diagram/SignalRecords.hpp"
 
 #include <optional>
 #include <unordered_set>
@@ -17,7 +18,7 @@ using SignalUUIDs = std::unordered_set<std::string>;
 /// None when the model has no instrumented signals to look in.
 std::optional<SignalUUIDs> signalUUIDs(const Model& model)
 {
-    const OwnedValue signals = signalsOf(model);
+    const OwnedValue signals = modelSignals(model);
     if (!signals) {
         return std::nullopt;
     }

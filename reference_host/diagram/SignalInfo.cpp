@@ -5,6 +5,7 @@
 #include "reference_host/diagram/AlignedBlockPath.hpp"
 #include "reference_host/diagram/CollectionAccess.hpp"
 #include "reference_host/diagram/OpenModels.hpp"
+#include "reference_host/diagram/SignalRecords.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"
 
@@ -84,7 +85,7 @@ OwnedValue signalInfo(const nvArray* client)
 {
     const std::string uuid = toUtf8(textOf(client, "SignalUUID_"));
     const std::shared_ptr<Model> model = modelOfClient(client);
-    const OwnedValue signals = model != nullptr ? signalsOf(*model) : nullptr;
+    const OwnedValue signals = model != nullptr ? modelSignals(*model) : nullptr;
     if (uuid.empty() || !signals) {
         return nullptr;
     }

@@ -50,6 +50,14 @@ SignalRecord readSignal(const nvArray* fields)
     return signal;
 }
 
+/// A collection in the model's observers parameter; null where there is none.
+OwnedValue collectionIn(const Model& model, const char* property)
+{
+    const OwnedValue observers = model.observers();
+    OwnedValue collection = observers ? ClassObjects::getProperty(observers.get(), property) : nullptr;
+    return isEmpty(collection.get()) ? nullptr : std::move(collection);
+}
+
 }  // namespace
 
 std::vector<SignalRecord> readSignals(const nvArray* signals)
@@ -81,14 +89,12 @@ SignalPlace placeOf(const SignalRecord& signal)
 
 OwnedValue modelSignals(const Model& model)
 {
-    return signalsOf(model);
+    return collectionIn(model, "Signals");
 }
 
 OwnedValue modelClients(const Model& model)
 {
-    const OwnedValue observers = model.observers();
-    OwnedValue clients = observers ? ClassObjects::getProperty(observers.get(), "Clients") : nullptr;
-    return isEmpty(clients.get()) ? nullptr : std::move(clients);
+    return collectionIn(model, "Clients");
 }
 
 }  // namespace reference_host
