@@ -3,7 +3,7 @@
 
 #include "hmi/InstrumentedSignals.hpp"
 #include "host/Ports.hpp"
-#include "reference_host/diagram/Model.hpp"
+#include "reference_host/model/Model.hpp"
 
 #include <cstddef>
 #include <map>

@@ -1,7 +1,7 @@
 #include "editor/RemovedSignals.hpp"
 
 #include "editor/SignalsObject.hpp"
-#include "reference_host/diagram/CollectionAccess.hpp"
+#include "reference_host/observers/CollectionAccess.hpp"
 
 #include <algorithm>
 #include <utility>

@@ -5,7 +5,7 @@
 #include "host/Exceptions.hpp"
 #include "host/Text.hpp"
 #include "reference_host/classes/ClassObjects.hpp"
-#include "reference_host/diagram/CollectionAccess.hpp"
+#include "reference_host/observers/CollectionAccess.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"
 

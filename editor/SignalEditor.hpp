@@ -4,8 +4,8 @@
 #include "editor/DrawnPorts.hpp"
 #include "editor/RemovedSignals.hpp"
 #include "hmi/InstrumentedSignals.hpp"
-#include "reference_host/diagram/EditHistory.hpp"
-#include "reference_host/diagram/SignalRecords.hpp"
+#include "reference_host/model/EditHistory.hpp"
+#include "reference_host/observers/SignalRecords.hpp"
 
 #include <cstddef>
 #include <cstdint>

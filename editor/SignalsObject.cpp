@@ -2,8 +2,8 @@
 
 #include "host/Exceptions.hpp"
 #include "reference_host/classes/ClassObjects.hpp"
-#include "reference_host/diagram/CollectionAccess.hpp"
-#include "reference_host/diagram/SignalRecords.hpp"
+#include "reference_host/observers/CollectionAccess.hpp"
+#include "reference_host/observers/SignalRecords.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"
 

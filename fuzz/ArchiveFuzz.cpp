@@ -1,5 +1,5 @@
 #include "host/Exceptions.hpp"
-#include "reference_host/files/Archive.hpp"
+#include "reference_host/ssp/Archive.hpp"
 
 #include <cstddef>
 #include <cstdint>

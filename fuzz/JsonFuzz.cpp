@@ -1,5 +1,5 @@
 #include "host/Exceptions.hpp"
-#include "reference_host/files/ValueJson.hpp"
+#include "reference_host/ssp/ValueJson.hpp"
 
 #include <cstddef>
 #include <cstdint>

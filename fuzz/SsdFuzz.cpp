@@ -1,6 +1,6 @@
 #include "host/Exceptions.hpp"
-#include "reference_host/diagram/SsdReader.hpp"
-#include "reference_host/files/SsdWriter.hpp"
+#include "reference_host/ssp/SsdReader.hpp"
+#include "reference_host/ssp/SsdWriter.hpp"
 
 #include <cstddef>
 #include <cstdint>

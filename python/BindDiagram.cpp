@@ -2,7 +2,7 @@
 #include "python/DiagramReferences.hpp"
 #include "python/Edge.hpp"
 #include "python/Text.hpp"
-#include "reference_host/diagram/OpenModels.hpp"
+#include "reference_host/model/OpenModels.hpp"
 
 #include <pybind11/stl.h>
 

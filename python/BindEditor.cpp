@@ -4,12 +4,12 @@
 #include "python/DiagramReferences.hpp"
 #include "python/Edge.hpp"
 #include "python/Text.hpp"
-#include "reference_host/diagram/DiagramDrawing.hpp"
-#include "reference_host/diagram/EditHistory.hpp"
-#include "reference_host/diagram/EditorEvents.hpp"
-#include "reference_host/diagram/EditorFunctions.hpp"
-#include "reference_host/diagram/ObserverFunctions.hpp"
-#include "reference_host/diagram/OpenModels.hpp"
+#include "reference_host/drawing/DiagramDrawing.hpp"
+#include "reference_host/model/EditHistory.hpp"
+#include "reference_host/model/EditorEvents.hpp"
+#include "reference_host/model/OpenModels.hpp"
+#include "reference_host/observers/EditorFunctions.hpp"
+#include "reference_host/observers/ObserverFunctions.hpp"
 
 #include <pybind11/stl.h>
 #include <pybind11/stl/filesystem.h>

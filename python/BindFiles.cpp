@@ -1,7 +1,7 @@
 #include "python/Bindings.hpp"
 #include "python/Edge.hpp"
-#include "reference_host/diagram/OpenModels.hpp"
-#include "reference_host/files/ModelFile.hpp"
+#include "reference_host/model/OpenModels.hpp"
+#include "reference_host/ssp/ModelFile.hpp"
 
 #include <pybind11/stl.h>
 #include <pybind11/stl/filesystem.h>

@@ -1,8 +1,8 @@
 #include "python/Bindings.hpp"
 #include "reference_host/calls/Faults.hpp"
 #include "reference_host/calls/Journal.hpp"
-#include "reference_host/calls/Ledger.hpp"
 #include "reference_host/calls/Warnings.hpp"
+#include "reference_host/support/Ledger.hpp"
 
 #include <pybind11/stl.h>
 

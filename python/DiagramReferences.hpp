@@ -1,7 +1,7 @@
 #ifndef ZM_PYTHON_DIAGRAM_REFERENCES_HPP
 #define ZM_PYTHON_DIAGRAM_REFERENCES_HPP
 
-#include "reference_host/diagram/Model.hpp"
+#include "reference_host/model/Model.hpp"
 
 #include <cstddef>
 #include <memory>

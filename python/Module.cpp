@@ -3,11 +3,11 @@
 #include "python/HostThread.hpp"
 #include "python/ScriptFunctions.hpp"
 #include "python/ValueHandle.hpp"
-#include "reference_host/calls/Ledger.hpp"
 #include "reference_host/classes/ClassSystem.hpp"
 #include "reference_host/classes/RecordClass.hpp"
-#include "reference_host/diagram/AlignedBlockPath.hpp"
-#include "reference_host/diagram/OpenModels.hpp"
+#include "reference_host/model/OpenModels.hpp"
+#include "reference_host/observers/AlignedBlockPath.hpp"
+#include "reference_host/support/Ledger.hpp"
 
 #include <dlfcn.h>
 

@@ -1,6 +1,6 @@
 #include "recorder/PortNames.hpp"
 
-#include "reference_host/values/TextConversion.hpp"
+#include "reference_host/support/TextConversion.hpp"
 
 #include <algorithm>
 #include <charconv>

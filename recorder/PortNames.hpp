@@ -1,7 +1,7 @@
 #ifndef ZM_RECORDER_PORT_NAMES_HPP
 #define ZM_RECORDER_PORT_NAMES_HPP
 
-#include "reference_host/diagram/Model.hpp"
+#include "reference_host/model/Model.hpp"
 
 #include <cstddef>
 #include <optional>

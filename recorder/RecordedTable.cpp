@@ -2,7 +2,7 @@
 
 #include "recorder/CsvReader.hpp"
 #include "recorder/RecordingErrors.hpp"
-#include "reference_host/values/TextConversion.hpp"
+#include "reference_host/support/TextConversion.hpp"
 
 #include <algorithm>
 #include <cerrno>

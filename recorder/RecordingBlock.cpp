@@ -1,7 +1,7 @@
 #include "recorder/RecordingBlock.hpp"
 
 #include "recorder/RecordingErrors.hpp"
-#include "reference_host/values/TextConversion.hpp"
+#include "reference_host/support/TextConversion.hpp"
 
 #include <utility>
 

@@ -1,6 +1,6 @@
 #include "recorder/RecordingErrors.hpp"
 
-#include "reference_host/calls/ErrorCatalog.hpp"
+#include "reference_host/support/ErrorCatalog.hpp"
 
 #include <array>
 #include <utility>

@@ -1,7 +1,7 @@
 #include "recorder/Replay.hpp"
 
 #include "recorder/RecordingErrors.hpp"
-#include "reference_host/values/TextConversion.hpp"
+#include "reference_host/support/TextConversion.hpp"
 
 #include <algorithm>
 #include <vector>

@@ -1,7 +1,7 @@
 #include "reference_host/calls/BoundaryCall.hpp"
 
 #include "reference_host/calls/BoundaryWatch.hpp"
-#include "reference_host/calls/HostErrors.hpp"
+#include "reference_host/support/HostErrors.hpp"
 
 #include <mutex>
 #include <utility>

@@ -4,8 +4,8 @@
 #include "host/Exceptions.hpp"
 #include "reference_host/Export.hpp"
 #include "reference_host/calls/CallArguments.hpp"
-#include "reference_host/calls/CallSite.hpp"
 #include "reference_host/calls/Faults.hpp"
+#include "reference_host/support/CallSite.hpp"
 
 #include <atomic>
 #include <cstdint>

@@ -1,9 +1,9 @@
 #include "reference_host/calls/CallArguments.hpp"
 
 #include "reference_host/calls/Diagnostic.hpp"
-#include "reference_host/calls/MessageCatalog.hpp"
-#include "reference_host/values/QuotedText.hpp"
-#include "reference_host/values/TextConversion.hpp"
+#include "reference_host/support/MessageCatalog.hpp"
+#include "reference_host/support/QuotedText.hpp"
+#include "reference_host/support/TextConversion.hpp"
 #include "reference_host/values/ValueDescription.hpp"
 
 namespace reference_host {

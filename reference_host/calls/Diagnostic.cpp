@@ -1,11 +1,11 @@
 #include "reference_host/calls/Diagnostic.hpp"
 
 #include "reference_host/calls/BoundaryCall.hpp"
-#include "reference_host/calls/HostErrors.hpp"
-#include "reference_host/calls/Ledger.hpp"
-#include "reference_host/calls/MessageCatalog.hpp"
 #include "reference_host/calls/Warnings.hpp"
-#include "reference_host/values/QuotedText.hpp"
+#include "reference_host/support/HostErrors.hpp"
+#include "reference_host/support/Ledger.hpp"
+#include "reference_host/support/MessageCatalog.hpp"
+#include "reference_host/support/QuotedText.hpp"
 
 #include <exception>
 #include <utility>

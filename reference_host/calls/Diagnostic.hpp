@@ -2,8 +2,8 @@
 #define ZM_REFERENCE_HOST_CALLS_DIAGNOSTIC_HPP
 
 #include "host/Calls.hpp"
-#include "reference_host/calls/CallSite.hpp"
-#include "reference_host/values/LiveRegistry.hpp"
+#include "reference_host/support/CallSite.hpp"
+#include "reference_host/support/LiveRegistry.hpp"
 
 #include <cstdint>
 #include <optional>

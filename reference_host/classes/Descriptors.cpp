@@ -3,10 +3,10 @@
 
 #include "host/ClassDescriptors.hpp"
 #include "reference_host/calls/BoundaryCall.hpp"
-#include "reference_host/calls/Ledger.hpp"
 #include "reference_host/classes/ClassError.hpp"
 #include "reference_host/classes/DescribeClassArguments.hpp"
 #include "reference_host/classes/Interning.hpp"
+#include "reference_host/support/Ledger.hpp"
 
 #include <string>
 

@@ -1,10 +1,10 @@
 #include "reference_host/classes/Instance.hpp"
 
 #include "reference_host/calls/BoundaryCall.hpp"
-#include "reference_host/calls/Ledger.hpp"
 #include "reference_host/classes/DescribeClassArguments.hpp"
 #include "reference_host/classes/LibraryCall.hpp"
 #include "reference_host/classes/RegisteredClass.hpp"
+#include "reference_host/support/Ledger.hpp"
 
 namespace reference_host {
 

@@ -1,11 +1,11 @@
 #include "reference_host/classes/MethodCall.hpp"
 
-#include "reference_host/calls/HostErrors.hpp"
 #include "reference_host/classes/ClassError.hpp"
 #include "reference_host/classes/DescribeClassArguments.hpp"
 #include "reference_host/classes/LibraryCall.hpp"
 #include "reference_host/classes/Types.hpp"
 #include "reference_host/classes/ValueConversion.hpp"
+#include "reference_host/support/HostErrors.hpp"
 #include "reference_host/values/ValueDescription.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 

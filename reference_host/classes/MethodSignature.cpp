@@ -1,9 +1,9 @@
 #include "reference_host/classes/MethodSignature.hpp"
 
 #include "reference_host/calls/BoundaryCall.hpp"
-#include "reference_host/calls/Ledger.hpp"
 #include "reference_host/classes/ClassError.hpp"
 #include "reference_host/classes/DescribeClassArguments.hpp"
+#include "reference_host/support/Ledger.hpp"
 
 #include <string>
 

@@ -1,12 +1,12 @@
 #include "reference_host/classes/RecordClass.hpp"
 
-#include "reference_host/calls/Ledger.hpp"
 #include "reference_host/classes/ClassError.hpp"
 #include "reference_host/classes/ClassObjects.hpp"
 #include "reference_host/classes/Instance.hpp"
 #include "reference_host/classes/RegisteredClass.hpp"
 #include "reference_host/classes/Types.hpp"
 #include "reference_host/classes/ValueConversion.hpp"
+#include "reference_host/support/Ledger.hpp"
 #include "reference_host/values/ValueContainers.hpp"
 #include "reference_host/values/ValueDescription.hpp"
 #include "reference_host/values/ValueMaking.hpp"

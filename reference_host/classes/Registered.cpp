@@ -1,8 +1,8 @@
 #include "reference_host/classes/Registered.hpp"
 
-#include "reference_host/calls/Ledger.hpp"
 #include "reference_host/classes/MethodSignature.hpp"
-#include "reference_host/values/MemoryBlocks.hpp"
+#include "reference_host/support/Ledger.hpp"
+#include "reference_host/support/MemoryBlocks.hpp"
 
 namespace reference_host {
 

@@ -1,7 +1,7 @@
 #ifndef ZM_REFERENCE_HOST_VALUES_NUMERIC_TYPES_HPP
 #define ZM_REFERENCE_HOST_VALUES_NUMERIC_TYPES_HPP
 
-#include "reference_host/values/MemoryLimit.hpp"
+#include "reference_host/support/MemoryLimit.hpp"
 #include "reference_host/values/Value.hpp"
 
 #include <cmath>

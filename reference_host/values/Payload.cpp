@@ -1,6 +1,6 @@
 #include "reference_host/values/Payload.hpp"
 
-#include "reference_host/calls/HostErrors.hpp"
+#include "reference_host/support/HostErrors.hpp"
 #include "reference_host/values/NumericTypes.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 

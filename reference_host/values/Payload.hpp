@@ -2,8 +2,8 @@
 #define ZM_REFERENCE_HOST_VALUES_PAYLOAD_HPP
 
 #include "host/ClassObjects.hpp"
+#include "reference_host/support/LiveRegistry.hpp"
 #include "reference_host/values/Dimensions.hpp"
-#include "reference_host/values/LiveRegistry.hpp"
 #include "reference_host/values/Value.hpp"
 
 #include <array>

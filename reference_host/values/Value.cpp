@@ -1,7 +1,7 @@
 #include "reference_host/values/Value.hpp"
 
-#include "reference_host/calls/HostErrors.hpp"
-#include "reference_host/calls/Ledger.hpp"
+#include "reference_host/support/HostErrors.hpp"
+#include "reference_host/support/Ledger.hpp"
 #include "reference_host/values/Payload.hpp"
 #include "reference_host/values/ValueDescription.hpp"
 

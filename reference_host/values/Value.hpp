@@ -3,7 +3,7 @@
 
 #include "host/Array.hpp"
 #include "reference_host/Export.hpp"
-#include "reference_host/calls/CallSite.hpp"
+#include "reference_host/support/CallSite.hpp"
 
 #include <cstdint>
 #include <memory>

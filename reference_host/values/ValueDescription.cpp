@@ -1,8 +1,8 @@
 #include "reference_host/values/ValueDescription.hpp"
 
+#include "reference_host/support/QuotedText.hpp"
 #include "reference_host/values/NumericTypes.hpp"
 #include "reference_host/values/Payload.hpp"
-#include "reference_host/values/QuotedText.hpp"
 #include "reference_host/values/ValueContainers.hpp"
 #include "reference_host/values/ValueReading.hpp"
 

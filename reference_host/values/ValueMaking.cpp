@@ -1,10 +1,10 @@
 #include "reference_host/values/ValueMaking.hpp"
 
-#include "reference_host/calls/HostErrors.hpp"
-#include "reference_host/values/MemoryLimit.hpp"
+#include "reference_host/support/HostErrors.hpp"
+#include "reference_host/support/MemoryLimit.hpp"
+#include "reference_host/support/TextConversion.hpp"
 #include "reference_host/values/NumericTypes.hpp"
 #include "reference_host/values/Payload.hpp"
-#include "reference_host/values/TextConversion.hpp"
 
 #include <string_view>
 #include <unordered_set>

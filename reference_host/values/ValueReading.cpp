@@ -1,9 +1,9 @@
 #include "reference_host/values/ValueReading.hpp"
 
-#include "reference_host/calls/HostErrors.hpp"
+#include "reference_host/support/HostErrors.hpp"
+#include "reference_host/support/TextConversion.hpp"
 #include "reference_host/values/NumericTypes.hpp"
 #include "reference_host/values/Payload.hpp"
-#include "reference_host/values/TextConversion.hpp"
 #include "reference_host/values/ValueDescription.hpp"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-#include "reference_host/diagram/DiagramDrawing.hpp"
+#include "reference_host/drawing/DiagramDrawing.hpp"
 
 #include "host/Exceptions.hpp"
 #include "tests/editor/EditorTest.hpp"

@@ -1,8 +1,8 @@
 #ifndef ZM_TESTS_EDITOR_EDITOR_TEST_HPP
 #define ZM_TESTS_EDITOR_EDITOR_TEST_HPP
 
-#include "reference_host/diagram/EditHistory.hpp"
-#include "reference_host/diagram/SignalRecords.hpp"
+#include "reference_host/model/EditHistory.hpp"
+#include "reference_host/observers/SignalRecords.hpp"
 #include "tests/support/HostTest.hpp"
 
 #include <memory>

@@ -1,8 +1,8 @@
-#include "reference_host/diagram/ObservedPorts.hpp"
+#include "reference_host/observers/ObservedPorts.hpp"
 
 #include "host/Exceptions.hpp"
 #include "reference_host/calls/HostFunctions.hpp"
-#include "reference_host/diagram/OpenModels.hpp"
+#include "reference_host/model/OpenModels.hpp"
 #include "reference_host/values/ValueContainers.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"

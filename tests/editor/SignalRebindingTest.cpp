@@ -1,4 +1,4 @@
-#include "reference_host/diagram/SignalRebinding.hpp"
+#include "reference_host/observers/SignalRebinding.hpp"
 
 #include "host/Exceptions.hpp"
 #include "reference_host/calls/HostFunctions.hpp"

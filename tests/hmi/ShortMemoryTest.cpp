@@ -1,14 +1,14 @@
 #include "hmi/InstrumentedSignals.hpp"
 
-#include "hmi_foundation/InstrumentedSignalsCOSClassInfo.hpp"
+#include "hmi_foundation/bindings/InstrumentedSignalsCOSClassInfo.hpp"
 #include "host/Exceptions.hpp"
 #include "host/OwnedArray.hpp"
-#include "reference_host/calls/Ledger.hpp"
 #include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/support/Ledger.hpp"
 #include "tests/hmi/CountingNew.hpp"
 #include "tests/hmi/LibraryTest.hpp"
 #include "tests/hmi/SignalValues.hpp"
-#include "tests/hmi_foundation/RecordingClass.hpp"
+#include "tests/hmi_foundation/bindings/RecordingClass.hpp"
 
 #include <gtest/gtest.h>
 

@@ -6,7 +6,7 @@
 #include "recorder/FileRecordingBlock.hpp"
 #include "recorder/RecordedTable.hpp"
 #include "recorder/VariableRecordingBlock.hpp"
-#include "reference_host/diagram/Model.hpp"
+#include "reference_host/model/Model.hpp"
 #include "tests/support/HostTest.hpp"
 
 #include <cstdlib>

@@ -1,7 +1,7 @@
 #include "recorder/Replay.hpp"
 
-#include "reference_host/diagram/OpenModels.hpp"
-#include "reference_host/files/ModelFile.hpp"
+#include "reference_host/model/OpenModels.hpp"
+#include "reference_host/ssp/ModelFile.hpp"
 #include "reference_host/values/ValueReading.hpp"
 #include "tests/recorder/RecorderTest.hpp"
 

@@ -1,7 +1,7 @@
 #include "tests/support/FaultWalk.hpp"
 
 #include "host/Exceptions.hpp"
-#include "reference_host/calls/Ledger.hpp"
+#include "reference_host/support/Ledger.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #ifndef ZM_TESTS_SUPPORT_HOST_TEST_HPP
 #define ZM_TESTS_SUPPORT_HOST_TEST_HPP
 
-#include "reference_host/calls/Ledger.hpp"
+#include "reference_host/support/Ledger.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 #include "host/Calls.hpp"
 
-#include "reference_host/calls/HostErrors.hpp"
-#include "reference_host/calls/Ledger.hpp"
 #include "reference_host/calls/Warnings.hpp"
+#include "reference_host/support/HostErrors.hpp"
+#include "reference_host/support/Ledger.hpp"
 #include "tests/support/FaultWalk.hpp"
 #include "tests/support/HostTest.hpp"
 

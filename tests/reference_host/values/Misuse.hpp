@@ -2,8 +2,8 @@
 #define ZM_TESTS_REFERENCE_HOST_VALUES_MISUSE_HPP
 
 #include "host/Exceptions.hpp"
-#include "reference_host/calls/HostErrors.hpp"
-#include "reference_host/calls/Ledger.hpp"
+#include "reference_host/support/HostErrors.hpp"
+#include "reference_host/support/Ledger.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,0 +1,27 @@
+#ifndef ZM_HMI_FOUNDATION_BINDINGS_INSTRUMENTED_SIGNALS_COSCLASS_INFO_HPP
+#define ZM_HMI_FOUNDATION_BINDINGS_INSTRUMENTED_SIGNALS_COSCLASS_INFO_HPP
+
+#include "host/ClassDescriptors.hpp"
+#include "host/Memory.hpp"
+
+namespace zm_hmi_foundation {
+
+/// The host class "Zelmar.HMI.InstrumentedSignals": every instance has one `zm_hmi::InstrumentedSignals`
+/// behind it, made and ended with it. Its methods are thin bindings (InstrumentedSignalsMethods.cpp);
+/// all real work is the collection's.
+class InstrumentedSignalsCOSClassInfo final : public nvcos::COSClassInfo, public HostAllocated {
+public:
+    const char* getClassName() const noexcept override { return "InstrumentedSignals"; }
+
+    /// Registers the properties, then the methods. What was registered before a failure stays.
+    void initializeClass(nvcos::COSClass* cosClass, const nvcos::COSClient* client) override;
+    void* allocateInstance(nvcos::COSInterface* instance) override;
+    void deallocateInstance(nvcos::COSInterface* instance, void* data) override;
+};
+
+/// Registers the class's methods, the constructor first.
+void addInstrumentedSignalsMethods(nvcos::COSClass* cosClass);
+
+}  // namespace zm_hmi_foundation
+
+#endif

@@ -1,0 +1,23 @@
+#ifndef ZM_REFERENCE_HOST_MODEL_DIAGRAM_ERRORS_HPP
+#define ZM_REFERENCE_HOST_MODEL_DIAGRAM_ERRORS_HPP
+
+#include "host/Exceptions.hpp"
+
+#include <string>
+#include <vector>
+
+namespace reference_host {
+
+/// The message catalog of everything that concerns diagrams.
+inline constexpr const char* diagramCatalog = "reference_host:diagram";
+
+/// A message of the diagram's catalog and its text; throw it, or report it as a warning.
+zmsvException diagramError(const char* key, std::vector<zmsvMessageArgument> arguments);
+
+/// A path for a message, UTF-8. Of one that is too long for a line, the end, which tells most: a file can
+/// make paths of any length.
+std::string endOfPath(const std::u16string& path);
+
+}  // namespace reference_host
+
+#endif

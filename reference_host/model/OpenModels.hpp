@@ -1,0 +1,48 @@
+#ifndef ZM_REFERENCE_HOST_MODEL_OPEN_MODELS_HPP
+#define ZM_REFERENCE_HOST_MODEL_OPEN_MODELS_HPP
+
+#include "reference_host/Export.hpp"
+#include "reference_host/model/Model.hpp"
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace reference_host {
+
+/// The models that are open in the process, one of a name. Host functions answer from them. A model is
+/// shared with whoever holds it: closing takes it out of here and leaves it usable, but for its observers
+/// parameter, which ends. Main thread only.
+class ZM_REFHOST_API OpenModels {
+public:
+    OpenModels() = delete;
+
+    /// Opens a model. A name that is taken is a host error ("ModelAlreadyOpen").
+    static void add(std::shared_ptr<Model> model);
+
+    /// Ends the use of the name. A name that no open model has is a host error ("ModelNotOpen").
+    static void close(const std::u16string& name);
+    static void closeAll() noexcept;
+
+    /// Gives an open model another name; full paths and ZIDs follow.
+    static void rename(const std::u16string& oldName, const std::u16string& newName);
+
+    /// The open model of that name; null when there is none.
+    static std::shared_ptr<Model> find(const std::u16string& name);
+
+    /// The open models by name.
+    static std::vector<std::shared_ptr<Model>> all();
+
+    /// The block of a full path ("plant/Controller"), of a full ZID ("plant:12"), or of a run-time
+    /// handle; null when no open model has it.
+    static Block* findByPath(std::u16string_view path);
+    static Block* findByZid(std::string_view zid);
+    static Block* findByHandle(double handle);
+};
+
+}  // namespace reference_host
+
+#endif

@@ -1,0 +1,44 @@
+#ifndef ZM_REFERENCE_HOST_OBSERVERS_COLLECTION_ACCESS_HPP
+#define ZM_REFERENCE_HOST_OBSERVERS_COLLECTION_ACCESS_HPP
+
+#include "reference_host/Export.hpp"
+#include "reference_host/model/Model.hpp"
+#include "reference_host/values/Value.hpp"
+
+#include <cstddef>
+#include <memory>
+#include <string>
+
+// The two collections of a model and their elements as the diagram's host functions use them: through
+// properties and methods, as a script would. Indices are 0-based here.
+
+namespace reference_host {
+
+inline constexpr const char* clientsClass = "Zelmar.HMI.StreamingClients";
+
+/// The value as one object of the class "Zelmar.HMI.StreamingClients"; a host error ("InvalidClients")
+/// when it is anything else.
+const nvArray* requireClients(const std::string& function, const nvArray* value);
+
+/// The open model that the collection names; a host error ("ModelNotOpen") when there is none.
+std::shared_ptr<Model> modelOf(const nvArray* collection);
+
+std::u16string textOf(const nvArray* object, const char* name);
+
+/// Text `place` of a property that holds a cell array of texts; empty when there are not so many.
+std::u16string textInCells(const nvArray* object, const char* name, std::size_t place);
+
+ZM_REFHOST_API std::size_t elementsIn(const nvArray* collection);
+
+/// A new object for the element; null where the collection could not make one.
+ZM_REFHOST_API OwnedValue elementAt(const nvArray* collection, std::size_t index);
+
+/// The UUID of a signal.
+std::string signalUUID(const nvArray* signals, std::size_t index);
+
+/// An index as methods take it.
+ZM_REFHOST_API OwnedValue methodIndex(std::size_t index);
+
+}  // namespace reference_host
+
+#endif

@@ -1,0 +1,60 @@
+#include "reference_host/observers/ObserverAlignment.hpp"
+
+#include "host/Text.hpp"
+#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/model/Block.hpp"
+#include "reference_host/observers/AlignedBlockPath.hpp"
+#include "reference_host/observers/CollectionAccess.hpp"
+#include "reference_host/values/ValueContainers.hpp"
+#include "reference_host/values/ValueMaking.hpp"
+#include "reference_host/values/ValueReading.hpp"
+
+#include <vector>
+
+namespace reference_host {
+
+namespace {
+
+void setTexts(nvArray* object, const char* property, const std::vector<std::u16string>& texts)
+{
+    const OwnedValue cells = makeCells(Dimensions(1, texts.size()));
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        setCell(cells.get(), i, makeText(texts[i]));
+    }
+    ClassObjects::setProperty(object, property, cells.get());
+}
+
+void align(nvArray* client)
+{
+    const std::size_t parts = elementCount(ClassObjects::getProperty(client, "ModelPath_").get());
+    std::vector<std::u16string> path;
+    std::vector<std::u16string> zids;
+    for (std::size_t i = 0; i < parts; ++i) {
+        path.push_back(textInCells(client, "ModelPath_", i));
+        zids.push_back(textInCells(client, "ModelPathZID_", i));
+        if (const Block* block = alignedBlock(toUtf8(zids.back()), path.back())) {
+            path.back() = block->path();
+            zids.back() = toUtf16(block->zid().c_str());
+        }
+    }
+    setTexts(client, "ModelPath_", path);
+    setTexts(client, "ModelPathZID_", zids);
+}
+
+}  // namespace
+
+void getAlignedObservers(HostFunctionCall& call)
+{
+    const nvArray* clients = requireClients(call.functionName(), call.input(0));
+    modelOf(clients);
+    std::vector<nvcos::COSInterfacePtr> aligned;
+    for (std::size_t i = 0; i < elementsIn(clients); ++i) {
+        if (const OwnedValue client = elementAt(clients, i)) {
+            align(client.get());
+            aligned.push_back(objects(client.get()).front());
+        }
+    }
+    call.setOutput(0, ClassObjects::makeObjectArray("Zelmar.HMI.SignalClient", aligned));
+}
+
+}  // namespace reference_host

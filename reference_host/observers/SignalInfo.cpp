@@ -1,0 +1,104 @@
+#include "reference_host/observers/SignalInfo.hpp"
+
+#include "host/Text.hpp"
+#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/model/OpenModels.hpp"
+#include "reference_host/observers/AlignedBlockPath.hpp"
+#include "reference_host/observers/CollectionAccess.hpp"
+#include "reference_host/observers/SignalRecords.hpp"
+#include "reference_host/values/ValueMaking.hpp"
+#include "reference_host/values/ValueReading.hpp"
+
+#include <optional>
+#include <unordered_map>
+
+namespace reference_host {
+
+namespace {
+
+std::shared_ptr<Model> modelOfClient(const nvArray* client)
+{
+    const std::u16string path = textInCells(client, "ModelPath_", 0);
+    const std::shared_ptr<Model> model = OpenModels::find(path.substr(0, path.find(u'/')));
+    return model != nullptr ? model : OpenModels::find(textOf(client, "SourceModel_"));
+}
+
+/// Where the signals of one collection stood when it was last looked through, so that a thousand clients
+/// do not look through it a thousand times. Only a hint: the collection is asked whether it still holds.
+class SignalPlaces {
+public:
+    /// The place of a signal; none when the collection lacks it.
+    std::optional<std::size_t> find(const nvArray* signals, const std::string& uuid)
+    {
+        std::optional<std::size_t> place = placeOf(signals, uuid);
+        if (!place) {
+            lookThrough(signals);
+            place = placeOf(signals, uuid);
+        }
+        return place;
+    }
+
+private:
+    std::optional<std::size_t> placeOf(const nvArray* signals, const std::string& uuid) const
+    {
+        const auto found = m_places.find(uuid);
+        const bool holds = found != m_places.end() && found->second < elementsIn(signals) &&
+                           signalUUID(signals, found->second) == uuid;
+        return holds ? std::optional(found->second) : std::nullopt;
+    }
+
+    void lookThrough(const nvArray* signals)
+    {
+        m_places.clear();
+        const std::size_t count = elementsIn(signals);
+        for (std::size_t i = 0; i < count; ++i) {
+            m_places.emplace(signalUUID(signals, i), i);
+        }
+    }
+
+    std::unordered_map<std::string, std::size_t> m_places;
+};
+
+OwnedValue findSignal(const nvArray* signals, const std::string& uuid)
+{
+    static SignalPlaces places;
+    const std::optional<std::size_t> place = places.find(signals, uuid);
+    return place ? elementAt(signals, *place) : nullptr;
+}
+
+/// Handle and port as the diagram has them; empty where there is no such port.
+void fillCachedPort(nvArray* signal)
+{
+    const Block* block = alignedBlock(toUtf8(textOf(signal, "ZID_")), textOf(signal, "BlockPath_"));
+    const double port = scalar(ClassObjects::getProperty(signal, "OutputPortIndex_").get());
+    const bool isThere =
+        block != nullptr && port >= 1.0 && port <= static_cast<double>(block->ports(PortKind::Output).size());
+    const OwnedValue handle = isThere ? makeDouble(block->handle()) : makeEmptyValue();
+    const OwnedValue index = isThere ? makeDouble(port) : makeEmptyValue();
+    ClassObjects::setProperty(signal, "CachedBlockHandle_", handle.get());
+    ClassObjects::setProperty(signal, "CachedPortIdx_", index.get());
+}
+
+}  // namespace
+
+OwnedValue signalInfo(const nvArray* client)
+{
+    const std::string uuid = toUtf8(textOf(client, "SignalUUID_"));
+    const std::shared_ptr<Model> model = modelOfClient(client);
+    const OwnedValue signals = model != nullptr ? modelSignals(*model) : nullptr;
+    if (uuid.empty() || !signals) {
+        return nullptr;
+    }
+    OwnedValue signal = findSignal(signals.get(), uuid);
+    if (signal) {
+        fillCachedPort(signal.get());
+    }
+    return signal;
+}
+
+void getSignalInfo(HostFunctionCall& call)
+{
+    call.setOutput(0, signalInfo(call.input(0)));
+}
+
+}  // namespace reference_host
