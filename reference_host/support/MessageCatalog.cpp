@@ -112,8 +112,9 @@ std::string filled(std::string_view text, const std::vector<zmsvMessageArgument>
     while (!text.empty()) {
         const Placeholder placeholder = text.front() == '{' ? placeholderAt(text) : Placeholder{};
         if (placeholder.length > 0 && placeholder.argument < arguments.size()) {
-            result += argumentText(arguments[placeholder.argument]);
             text.remove_prefix(placeholder.length);
+            const bool isQuoted = result.ends_with('"') && text.starts_with('"');
+            result += argumentText(arguments[placeholder.argument], isQuoted);
         } else {
             result += text.front();
             text.remove_prefix(1);
@@ -135,13 +136,14 @@ std::string MessageCatalog::text(const zmsvMessageId& id)
     return found != texts().end() ? filled(found->second, id.arguments()) : withoutText(id);
 }
 
-std::string argumentText(const zmsvMessageArgument& argument)
+std::string argumentText(const zmsvMessageArgument& argument, bool isQuoted)
 {
     return std::visit(
-        [](const auto& content) {
+        [isQuoted](const auto& content) {
             using Content = std::decay_t<decltype(content)>;
             if constexpr (std::is_same_v<Content, std::string>) {
-                return content;
+                return isQuoted ? escapedText(content)
+                                : printableText(content, MessageCatalog::longestArgument);
             } else if constexpr (std::is_same_v<Content, double>) {
                 return numberText(content);
             } else {

@@ -1,7 +1,5 @@
 #include "reference_host/support/TextConversion.hpp"
 
-#include <cstddef>
-
 namespace reference_host {
 
 namespace {
@@ -49,8 +47,8 @@ void appendUtf16(std::u16string& text, char32_t code)
     }
 }
 
-/// What a first byte announces: how many continuation bytes, its own bits, and the range of the first
-/// continuation byte, which is narrower where the code would be too long, a surrogate or past the end.
+/// The meaning of a first byte: the number of continuation bytes, its own bits, and the range of the first
+/// continuation byte. The range is narrower where the code would be overlong, a surrogate or above U+10FFFF.
 struct Lead {
     int continuations = -1;
     char32_t bits = 0;
@@ -80,25 +78,10 @@ Lead lead(unsigned char byte)
     return {};
 }
 
-/// The code at `position`, which moves past it or past what stands there in its place.
-char32_t takeCode(std::string_view text, std::size_t& position)
+/// Whether a surrogate pair begins at `index`.
+bool isPair(std::u16string_view text, std::size_t index)
 {
-    const Lead first = lead(static_cast<unsigned char>(text[position++]));
-    if (first.continuations < 0) {
-        return replacement;
-    }
-    char32_t code = first.bits;
-    for (int i = 0; i < first.continuations; ++i) {
-        const unsigned char low = i == 0 ? first.low : 0x80;
-        const unsigned char high = i == 0 ? first.high : 0xBF;
-        const auto byte = position < text.size() ? static_cast<unsigned char>(text[position]) : 0;
-        if (byte < low || byte > high) {
-            return replacement;
-        }
-        code = (code << 6) | (byte & 0x3F);
-        ++position;
-    }
-    return code;
+    return isHighSurrogate(text[index]) && index + 1 < text.size() && isLowSurrogate(text[index + 1]);
 }
 
 }  // namespace
@@ -109,7 +92,7 @@ std::string utf8FromUtf16(std::u16string_view text)
     result.reserve(text.size());
     for (std::size_t i = 0; i < text.size(); ++i) {
         char32_t code = text[i];
-        if (isHighSurrogate(code) && i + 1 < text.size() && isLowSurrogate(text[i + 1])) {
+        if (isPair(text, i)) {
             code = 0x10000 + ((code - 0xD800) << 10) + (text[++i] - char32_t{0xDC00});
         } else if (isHighSurrogate(code) || isLowSurrogate(code)) {
             code = replacement;
@@ -123,10 +106,45 @@ std::u16string utf16FromUtf8(std::string_view text)
 {
     std::u16string result;
     result.reserve(text.size());
-    for (std::size_t position = 0; position < text.size();) {
-        appendUtf16(result, takeCode(text, position));
+    while (!text.empty()) {
+        const DecodedCharacter character = decodeUtf8(text);
+        appendUtf16(result, character.code);
+        text.remove_prefix(character.length);
     }
     return result;
+}
+
+DecodedCharacter decodeUtf8(std::string_view text)
+{
+    const Lead first = lead(static_cast<unsigned char>(text.front()));
+    if (first.continuations < 0) {
+        return {replacement, 1, false};
+    }
+    char32_t code = first.bits;
+    std::size_t length = 1;
+    for (int i = 0; i < first.continuations; ++i) {
+        const unsigned char low = i == 0 ? first.low : 0x80;
+        const unsigned char high = i == 0 ? first.high : 0xBF;
+        const auto byte = length < text.size() ? static_cast<unsigned char>(text[length]) : 0;
+        if (byte < low || byte > high) {
+            return {replacement, length, false};
+        }
+        code = (code << 6) | (byte & 0x3F);
+        ++length;
+    }
+    return {code, length, true};
+}
+
+std::size_t unpairedSurrogate(std::u16string_view text) noexcept
+{
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (isPair(text, i)) {
+            ++i;
+        } else if (isHighSurrogate(text[i]) || isLowSurrogate(text[i])) {
+            return i;
+        }
+    }
+    return std::u16string_view::npos;
 }
 
 }  // namespace reference_host

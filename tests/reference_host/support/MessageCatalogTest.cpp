@@ -48,6 +48,15 @@ TEST(MessageCatalog, DoesNotFillWhatAnArgumentBrought)
     EXPECT_EQ(MessageCatalog::text({"test", "Nested", {std::string("{1}"), std::string("b")}}), "{1} b");
 }
 
+TEST(MessageCatalog, EscapesAndShortensItsArguments)
+{
+    MessageCatalog::define("test", "Foreign", "{0}: no block \"{1}\"");
+    const std::string hostile = "\x1b[2J\"" + std::string(5000, 'x');
+    const std::string text = MessageCatalog::text({"test", "Foreign", {hostile, hostile}});
+    EXPECT_EQ(text, "\\x1b[2J\"" + std::string(989, 'x') + "...: no block \"\\x1b[2J\\\"" +
+                        std::string(68, 'x') + "...\"");
+}
+
 TEST(MessageCatalog, ShowsEveryKindOfArgument)
 {
     EXPECT_EQ(argumentText(std::uint64_t{18446744073709551615u}), "18446744073709551615");
