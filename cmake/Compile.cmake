@@ -17,7 +17,10 @@ endif()
 
 find_program(CCACHE ccache)
 if(CCACHE)
-    set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+    # With precompiled headers ccache needs to be told that macros in them are the same everywhere.
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros ${CCACHE})
+    add_compile_options($<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>)
+    add_compile_options("$<$<CXX_COMPILER_ID:Clang>:SHELL:-Xclang -fno-pch-timestamp>")
 endif()
 
 # Every target of our own gets these. An unresolved symbol is an error already when a shared object
