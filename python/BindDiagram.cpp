@@ -2,6 +2,7 @@
 #include "python/DiagramReferences.hpp"
 #include "python/Edge.hpp"
 #include "python/Text.hpp"
+#include "recorder/PortNames.hpp"
 #include "reference_host/model/OpenModels.hpp"
 
 #include <pybind11/stl.h>
@@ -59,15 +60,37 @@ std::vector<ChartReference> chartsOf(const ModelPtr& model)
     return charts;
 }
 
+/// The block of a path without or with the model name in front; null when there is none.
+Block* findBlock(const Model& model, const std::u16string& path)
+{
+    if (Block* block = model.findByPath(path)) {
+        return block;
+    }
+    const std::u16string prefix = model.name() + u"/";
+    return path.starts_with(prefix) ? model.findByPath(path.substr(prefix.size())) : nullptr;
+}
+
 BlockReference blockAt(const ModelPtr& model, const Text& path)
 {
-    Block* block = model->findByPath(path.value);
+    Block* block = findBlock(*model, path.value);
     if (block == nullptr) {
         PyErr_SetObject(PyExc_KeyError,
                         py::str("model {!r} has no block {!r}").format(Text{model->name()}, path).ptr());
         throw py::error_already_set();
     }
     return {model, block};
+}
+
+PortReference outputPortAt(const ModelPtr& model, const std::string& name)
+{
+    const recorder::PortSearch found = recorder::findPort(*model, name);
+    if (!found.port) {
+        PyErr_SetObject(PyExc_KeyError, py::str("model {!r} has no output port {!r}: {}")
+                                            .format(Text{model->name()}, name, found.reason)
+                                            .ptr());
+        throw py::error_already_set();
+    }
+    return {{model, const_cast<Block*>(found.port->block)}, PortKind::Output, found.port->index};
 }
 
 py::str modelRepr(const ModelPtr& model)
@@ -97,9 +120,13 @@ void bindModel(py::class_<Model, ModelPtr>& model)
         .def_property_readonly("charts", chartsOf)
         .def("__len__", &Model::blockCount)
         .def("__getitem__", blockAt, py::arg("path"),
-             "The block of a path without the model name: model[\"Controller/Limiter\"].")
+             "The block of a path, with or without the model name in front: model[\"Controller/Limiter\"].")
         .def("__contains__",
-             [](const Model& self, const Text& path) { return self.findByPath(path.value) != nullptr; })
+             [](const Model& self, const Text& path) { return findBlock(self, path.value) != nullptr; })
+        .def("port", outputPortAt, py::arg("name"),
+             "The output port that \"Klima/Luftvolumen:Temperatur\" or \"Klima/Luftvolumen:1\" names: block "
+             "path,"
+             " colon, and the port's name or its number from 1.")
         .def(
             "find_by_zid",
             [](const ModelPtr& self, const std::string& zid) {
@@ -189,6 +216,21 @@ void bindPort(py::class_<PortReference>& port)
             "index", [](const PortReference& self) { return self.index + 1; },
             "The number of the port among those of its kind, from 1.")
         .def_property_readonly("name", [](const PortReference& self) { return Text{self.port().name}; })
+        .def_property_readonly(
+            "kind",
+            [](const PortReference& self) { return self.kind == PortKind::Output ? "output" : "input"; })
+        .def(
+            "__eq__",
+            [](const PortReference& self, const PortReference& other) {
+                return self.block.block == other.block.block && self.kind == other.kind &&
+                       self.index == other.index;
+            },
+            py::is_operator())
+        .def("__hash__",
+             [](const PortReference& self) {
+                 return py::hash(py::make_tuple(reinterpret_cast<std::uintptr_t>(self.block.block),
+                                                self.index, self.kind == PortKind::Output));
+             })
         .def("__repr__", [](const PortReference& self) {
             return py::str("<{} port {} {!r} of {!r}>")
                 .format(self.kind == PortKind::Output ? "output" : "input", self.index + 1,

@@ -7,6 +7,7 @@
 namespace zmhost {
 
 void bindValues(pybind11::module_& module);
+void bindArrayBuffers(pybind11::module_& module);
 void bindClasses(pybind11::module_& module);
 void bindCalls(pybind11::module_& module);
 void bindDiagram(pybind11::module_& module);

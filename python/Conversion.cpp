@@ -1,5 +1,6 @@
 #include "python/Conversion.hpp"
 
+#include "python/ArrayBuffers.hpp"
 #include "python/Text.hpp"
 #include "python/ValueHandle.hpp"
 #include "reference_host/values/ValueContainers.hpp"
@@ -177,6 +178,35 @@ nvArray* heldValue(const py::object& handle)
     return handle.cast<const ValueHandle&>().get();
 }
 
+/// A complex number, or an object that converts itself to an int or a float; null for other objects. Throws
+/// what the conversion raised.
+OwnedValue numberToHost(py::handle object)
+{
+    if (PyIndex_Check(object.ptr()) != 0) {
+        const auto integer = py::reinterpret_steal<py::object>(PyNumber_Index(object.ptr()));
+        if (!integer) {
+            throw py::error_already_set();
+        }
+        return integerToHost(integer);
+    }
+    if (PyComplex_Check(object.ptr())) {
+        const Py_complex number = PyComplex_AsCComplex(object.ptr());
+        OwnedValue value = reference_host::makeNumeric(reference_host::Dimensions({1, 1}), nvClassID::Double,
+                                                       nvComplexity::Complex);
+        std::memcpy(reference_host::writableNumericData(value.get()), &number, sizeof(number));
+        return value;
+    }
+    const PyNumberMethods* const number = Py_TYPE(object.ptr())->tp_as_number;
+    if (number == nullptr || number->nb_float == nullptr) {
+        return nullptr;
+    }
+    const double value = PyFloat_AsDouble(object.ptr());
+    if (PyErr_Occurred() != nullptr) {
+        throw py::error_already_set();
+    }
+    return reference_host::makeDouble(value);
+}
+
 /// Null when the object is none of Python's own plain ones.
 OwnedValue plainToHost(py::handle object)
 {
@@ -250,8 +280,11 @@ OwnedValue toHost(py::handle object)
     if (const py::object held = askForHostValue(object)) {
         return reference_host::copyShared(heldValue(held));
     }
-    if (PyIndex_Check(object.ptr()) != 0) {
-        return integerToHost(py::reinterpret_steal<py::object>(PyNumber_Index(object.ptr())));
+    if (isBuffer(object)) {
+        return bufferToHost(object);
+    }
+    if (OwnedValue number = numberToHost(object)) {
+        return number;
     }
     const NestingGuard guard;
     if (isMapping(object)) {

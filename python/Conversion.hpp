@@ -15,9 +15,11 @@
 ///   None                        0-by-0 double; an unset field or cell reads as None too
 ///   bool, str                   logical scalar, character row ("" is 0-by-0)
 ///   float, int                  double scalar; an int beyond 2**53 becomes an int64 or uint64
-///   dict, any mapping           1-by-1 struct, the keys in order
-///   list or tuple of mappings   N-by-1 struct array; all must have the same keys
-///   any other list or tuple     1-by-N cell array; [] is 0-by-0
+///   complex                     complex double scalar
+///   __index__, __float__        as the int or float that the object converts itself to
+///   buffers (numpy, array)      an array of numbers with the buffer's class and shape; one dimension is a
+///   row dict, any mapping           1-by-1 struct, the keys in order list or tuple of mappings   N-by-1
+///   struct array; all must have the same keys any other list or tuple     1-by-N cell array; [] is 0-by-0
 ///   objects of `zmhost`         the value that they hold, which they give in `__host_value__()`
 ///
 /// The way back is the same, numbers by their class (integer classes to int). What has no such form —

@@ -61,6 +61,7 @@ PYBIND11_MODULE(_zmhost, module)
     module.doc() = "The reference host, as the package zmhost uses it.";
     zmhost::registerErrors();
     zmhost::bindValues(module);
+    zmhost::bindArrayBuffers(module);
     zmhost::bindClasses(module);
     zmhost::bindCalls(module);
     zmhost::bindDiagram(module);

@@ -26,9 +26,10 @@ from collections.abc import Callable
 from typing import TYPE_CHECKING, Any, TypeVar
 
 from zmhost import _classes, _library, _zmhost, editor, faults
+from zmhost._argument_errors import word_argument_errors
 from zmhost._classes import HostObject, Namespace, ObjectArray
 from zmhost._files import open_model
-from zmhost._errors import ElementIndexError, HostError, HostWarning
+from zmhost._errors import ElementIndexError, FileError, HostError, HostWarning, MissingFileError, ValueTypeError
 from zmhost._recording import FileRecording, VariableRecording, replay, workspace
 from zmhost._reports import Journal, Ledger, WarningSink, journal, ledger, log_host_calls
 from zmhost._values import CellArray, Matrix, Struct, StructArray
@@ -45,6 +46,7 @@ __all__ = [
     "ChartObject",
     "Connection",
     "ElementIndexError",
+    "FileError",
     "FileRecording",
     "HostError",
     "HostObject",
@@ -52,6 +54,7 @@ __all__ = [
     "Journal",
     "Ledger",
     "Matrix",
+    "MissingFileError",
     "Model",
     "Namespace",
     "ObjectArray",
@@ -60,6 +63,7 @@ __all__ = [
     "Struct",
     "StructArray",
     "Value",
+    "ValueTypeError",
     "VariableRecording",
     "WarningSink",
     "active_recordings",
@@ -126,6 +130,10 @@ def set_property(instance: HostObject, name: str, value: Any) -> None:
     """Assigns a property as host code does, whether or not scripts may."""
     _zmhost.set_property(instance.__host_value__(), name, value)
 
+
+for _native in (Model, Block, Port, Chart, _zmhost.Recording, _zmhost.FileRecording, _zmhost.VariableRecording,
+                _zmhost.RecordedTable, _zmhost.SignalEditor):
+    word_argument_errors(_native)
 
 if not TYPE_CHECKING:
 

@@ -7,7 +7,7 @@ from collections.abc import Callable, Iterable, Iterator, Sequence
 from reprlib import repr as short_repr
 from typing import Any, overload
 
-from zmhost import _library, _zmhost
+from zmhost import _library, _sequences, _zmhost
 from zmhost._indices import element_index
 
 
@@ -53,6 +53,22 @@ class HostObject:
 
     def __host_value__(self) -> _zmhost.Value:
         return self._value
+
+    def __copy__(self) -> HostObject:
+        raise TypeError(f"{_article(self._host_class)} belongs to the host and cannot be copied")
+
+    def __deepcopy__(self, memo: dict[int, Any]) -> HostObject:
+        return self.__copy__()
+
+    def __reduce_ex__(self, protocol: Any) -> Any:
+        raise TypeError(
+            f"{_article(self._host_class)} belongs to the host and cannot be pickled; keep its properties"
+            " (a collection's \"Persistence\")"
+        )
+
+
+def _article(class_name: str) -> str:
+    return f"an object of class {class_name}"
 
 
 class ObjectArray(Sequence[HostObject]):
@@ -254,4 +270,6 @@ def _make_type(description: _zmhost.ClassDescription) -> type[HostObject]:
         members[method.name] = _make_method(description.full_name, method)
     for prop in description.properties:
         members[prop.name] = _make_property(prop)
+    if _sequences.REQUIRED_PROPERTY in members and _sequences.REQUIRED_METHOD in members:
+        members.update(_sequences.MEMBERS)
     return type(description.simple_name, (HostObject,), members)

@@ -2,12 +2,16 @@
 
 from __future__ import annotations
 
+import errno
 import os
 import sys
 import warnings
 from typing import Union
 
 Argument = Union[int, float, str]
+
+#: By the texts that the system gives for failed calls.
+_ERROR_NUMBERS: dict[Argument, int] = {os.strerror(number): number for number in errno.errorcode}
 
 _PACKAGE = os.path.dirname(__file__) + os.sep
 
@@ -35,6 +39,34 @@ class ElementIndexError(HostError, IndexError):
     """A collection has no element of that index; the argument is the number of its elements."""
 
 
+class ValueTypeError(HostError, TypeError):
+    """An argument or a property was given a value of another type than the host expects."""
+
+
+class FileError(HostError, OSError):
+    """A file could not be read or written. `filename` names it; `errno` is None where no system call failed."""
+
+    def __init__(
+        self,
+        text: str = "",
+        catalog: str = "zmhost:script",
+        key: str = "Error",
+        arguments: tuple[Argument, ...] = (),
+    ) -> None:
+        super().__init__(text, catalog, key, arguments)
+        self.filename = arguments[0] if arguments else None
+        for argument in arguments:
+            if argument in _ERROR_NUMBERS:
+                self.errno = _ERROR_NUMBERS[argument]
+
+    def __str__(self) -> str:
+        return str(self.args[0]) if self.args else ""
+
+
+class MissingFileError(FileError, FileNotFoundError):
+    """A file that was to be read does not exist."""
+
+
 class HostWarning(UserWarning):
     """A warning that the host reported during a call, issued when the call has returned."""
 
@@ -47,9 +79,24 @@ class HostWarning(UserWarning):
         self.arguments = arguments
 
 
+#: Errors that Python users catch by Python's own types; every other error is a HostError alone.
+_KINDS: dict[str, type[HostError]] = {
+    "InvalidElementIndex": ElementIndexError,
+    "WrongArgument": ValueTypeError,
+    "WrongClass": ValueTypeError,
+    "WrongValue": ValueTypeError,
+    "TooFewArguments": ValueTypeError,
+    "TooManyArguments": ValueTypeError,
+    "UnreadableFile": FileError,
+    "UnwritableFile": FileError,
+}
+
+
 def host_error(text: str, catalog: str, key: str, arguments: tuple[Argument, ...]) -> HostError:
-    kind = ElementIndexError if key == "InvalidElementIndex" else HostError
-    return kind(text, catalog, key, arguments)
+    error = _KINDS.get(key, HostError)(text, catalog, key, arguments)
+    if isinstance(error, FileError) and error.errno == errno.ENOENT:
+        error = MissingFileError(text, catalog, key, arguments)
+    return error
 
 
 def _caller_level() -> int:

@@ -12,6 +12,15 @@ from zmhost import _classes, _zmhost
 from zmhost._indices import element_index
 
 
+def pandas() -> Any:
+    """The module pandas, which is optional."""
+    try:
+        import pandas as module  # type: ignore[import]
+    except ImportError:
+        raise ImportError("to_pandas needs pandas, which is not installed (Debian package python3-pandas)") from None
+    return module
+
+
 def shape_text(dims: Sequence[int]) -> str:
     return "x".join(map(str, dims))
 
@@ -125,6 +134,21 @@ class StructArray(Sequence[Struct]):
 
     __hash__ = None  # type: ignore[assignment]
 
+    def __copy__(self) -> StructArray:
+        return self
+
+    def __deepcopy__(self, memo: dict[int, Any]) -> StructArray:
+        return self
+
+    def __reduce__(self) -> Any:
+        if self.dims != (len(self), 1):
+            raise TypeError(f"a struct array of {shape_text(self.dims)} elements cannot be pickled; only columns can")
+        return StructArray, ([element.to_dict() for element in self], self.fields)
+
+    def to_pandas(self) -> Any:
+        """A pandas DataFrame with a column for each field and a row for each element."""
+        return pandas().DataFrame([element.to_dict() for element in self], columns=list(self.fields))
+
     def __repr__(self) -> str:
         fields = f"{len(self.fields)} fields: {', '.join(self.fields)}" if self.fields else "no fields"
         return f"<{shape_text(self.dims)} {self._value.class_name} array, {fields}>"
@@ -133,22 +157,23 @@ class StructArray(Sequence[Struct]):
         return self._value
 
 
-class Matrix:
+class Matrix(_zmhost.NumberBuffer):
     """Numbers of one class in any number of dimensions.
 
     `Matrix([[1, 2], [3, 4]])` is 2x2 double, `Matrix([1, 2, 3], "int32")` a row, `Matrix(5, "uint32")` a
     single number of that class, and `Matrix.zeros(0, 3)` an empty array. Deeper lists give more
     dimensions. Elements are read as `m[row, column]`, from 0, and in the host's order (columns first)
-    as `m[k]` and by iterating.
+    as `m[k]` and by iterating. `memoryview(m)` and `numpy.asarray(m)` give the elements in their shape without
+    copying; the view is read-only.
     """
 
-    __slots__ = ("_value",)
+    __slots__ = ()
 
     def __init__(self, data: Any, class_name: str = "double") -> None:
         dims = _dims_of_nested(data)
         numbers = [_nested_element(data, place) for place in _places(dims)]
         row = (1, dims[0]) if len(dims) == 1 else dims
-        self._value = _zmhost.make_numbers(list(row), numbers, class_name)
+        super().__init__(_zmhost.make_numbers(list(row), numbers, class_name))
 
     @classmethod
     def zeros(cls, *dims: int, class_name: str = "double") -> Matrix:
@@ -157,7 +182,7 @@ class Matrix:
     @classmethod
     def _holding(cls, value: _zmhost.Value) -> Matrix:
         matrix = cls.__new__(cls)
-        matrix._value = value
+        _zmhost.NumberBuffer.__init__(matrix, value)
         return matrix
 
     @property
@@ -197,12 +222,25 @@ class Matrix:
 
     __hash__ = None  # type: ignore[assignment]
 
+    def __copy__(self) -> Matrix:
+        return self
+
+    def __deepcopy__(self, memo: dict[int, Any]) -> Matrix:
+        return self
+
+    def __reduce__(self) -> Any:
+        return _matrix_from, (self.dims, list(self), self.class_name)
+
     def __repr__(self) -> str:
         few = len(self) <= 20
         return f"<{shape_text(self.dims)} {self.class_name}{f' {self.tolist()}' if few else ''}>"
 
     def __host_value__(self) -> _zmhost.Value:
         return self._value
+
+
+def _matrix_from(dims: Sequence[int], numbers: list[Any], class_name: str) -> Matrix:
+    return Matrix._holding(_zmhost.make_numbers(list(dims), numbers, class_name))
 
 
 class CellArray(list[Any]):

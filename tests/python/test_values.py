@@ -1,7 +1,5 @@
 """Values as they go to the host and come back."""
 
-import array
-import fractions
 import math
 
 import pytest
@@ -144,7 +142,7 @@ def test_objects_with_an_index_are_integers(echo):
     assert echo(Index()) == 12
 
 
-@pytest.mark.parametrize("value", [{1}, object(), b"bytes", fractions.Fraction(1, 2), array.array("d"), int, 1j])
+@pytest.mark.parametrize("value", [{1}, object(), b"bytes", int])
 def test_what_is_nothing_to_the_host_is_refused_by_its_type(echo, value):
     with pytest.raises(zmhost.HostError, match=f"echo: argument 1 .*{type(value).__name__}") as error:
         echo(value)
