@@ -31,6 +31,7 @@ from zmhost._classes import HostObject, Namespace, ObjectArray
 from zmhost._files import open_model
 from zmhost._errors import ElementIndexError, FileError, HostError, HostWarning, MissingFileError, ValueTypeError
 from zmhost._recording import FileRecording, VariableRecording, replay, workspace
+from zmhost._record import record
 from zmhost._reports import Journal, Ledger, WarningSink, journal, ledger, log_host_calls
 from zmhost._values import CellArray, Matrix, Struct, StructArray
 from zmhost._zmhost import Block, Chart, ChartObject, Connection, Model, Port, Recording, Value
@@ -78,6 +79,7 @@ __all__ = [
     "log_host_calls",
     "models",
     "open_model",
+    "record",
     "remove_host_function",
     "replay",
     "set_property",

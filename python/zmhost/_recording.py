@@ -3,7 +3,7 @@
 from __future__ import annotations
 
 import os
-from collections.abc import Callable, Iterable, Mapping
+from collections.abc import Callable, Mapping
 from typing import Any
 
 from zmhost import _zmhost
@@ -56,7 +56,8 @@ class VariableRecording(_zmhost.VariableRecording):
         super().__init__(port, name, format, decimation, max_points)
 
 
-Table = str | os.PathLike[str] | Mapping[Any, Iterable[float]]
+#: A CSV file, a mapping of columns, a pandas DataFrame, or a table that was read before.
+Table = Any
 
 
 def _header(port: str | Port) -> str:
@@ -65,7 +66,12 @@ def _header(port: str | Port) -> str:
     return port if isinstance(port, str) else _zmhost.recorded_port_name(port)
 
 
-def _table(table: Table) -> _zmhost.RecordedTable:
+def read_table(table: Table) -> _zmhost.RecordedTable:
+    """The table in the form that the replay takes."""
+    if isinstance(table, _zmhost.RecordedTable):
+        return table
+    if hasattr(table, "columns") and hasattr(table, "items"):  # a DataFrame
+        table = dict(table.items())
     if not isinstance(table, Mapping):
         return _zmhost.RecordedTable.read(table)
     if "time" not in table:
@@ -86,8 +92,8 @@ def replay(
     """Replays a table over a diagram as its running simulation, with recordings at work.
 
     The table is a CSV file whose first column is "time" and whose others name output ports
-    ("Klima/Luftvolumen:Temperatur", or the port's number after the colon), or a mapping of such names, or
-    of ports, to numbers. `step` is called with the time after each row. When the replay ends early,
+    ("Klima/Luftvolumen:Temperatur", or the port's number after the colon), a mapping of such names, or of ports, to
+    numbers, or a pandas DataFrame with such columns. `step` is called with the time after each row. When the replay ends early,
     through an error or Ctrl-C, files and variables hold what was recorded until then.
     """
-    _zmhost.replay(model, _table(table), list(recordings), step)
+    _zmhost.replay(model, read_table(table), list(recordings), step)
