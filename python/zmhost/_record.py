@@ -24,14 +24,15 @@ def _checked(path: str | os.PathLike[str], suffixes: Sequence[str], noun: str) -
     return checked
 
 
-def _ports(model: Model, names: Iterable[str | Port]) -> list[Port]:
-    """The ports; a block's path stands for all of its outputs."""
+def _ports(model: Model, names: Iterable[str | Port], columns: Iterable[str]) -> list[Port]:
+    """The ports; a block's path stands for those of its outputs that the table has a column for."""
+    given = {model.port(column) for column in columns}
     ports: list[Port] = []
     for name in names:
         if isinstance(name, Port):
             ports.append(name)
         elif name in model:
-            ports += model[name].outputs
+            ports += [port for port in model[name].outputs if port in given]
         else:
             ports.append(model.port(name))
     return list(dict.fromkeys(ports))
@@ -85,16 +86,16 @@ def record(
     """Replays a table over a model, records output ports into a CSV file, and plots them where `plot` names a file.
 
     A port is a `Port`, a name ("Klima/Luftvolumen:CO₂", or the port's number after the colon), or a block's path for
-    all of its outputs. `progress(done, total)` is called after each row. Gives the path of the file.
+    all of its outputs in the table. `progress(done, total)` is called after each row. Gives the path of the file.
     """
     target = _checked(file, FILE_SUFFIXES, "recording")
     if plot is not None:
         _checked(plot, PLOT_SUFFIXES, "plot")
         pyplot()
-    recorded = _ports(model, ports)
-    if not recorded:
-        raise ValueError("no output port was named")
     read = read_table(table)
+    recorded = _ports(model, ports, read.columns)
+    if not recorded:
+        raise ValueError("no output port was named that the table has a column for")
     done = 0
 
     def step(_: float) -> None:
