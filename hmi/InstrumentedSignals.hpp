@@ -58,7 +58,7 @@ public:
     /// True when both have equal elements (`SignalSpecification::isEqual`) in the same order.
     bool isEqual(const InstrumentedSignals* other) const;
 
-    SignalSpecificationPtr get(std::size_t index) const;
+    ZM_HMI_API SignalSpecificationPtr get(std::size_t index) const;
 
     void add(const SignalSpecificationPtr& signal);
 

@@ -2,6 +2,7 @@
 #define ZM_HMI_SIGNAL_CLIENT_HPP
 
 #include "hmi/SignalSpecification.hpp"
+#include "hmi_foundation/Export.hpp"
 #include "host/OwnedArray.hpp"
 
 #include <cstddef>
@@ -73,19 +74,19 @@ public:
 
     /// The observed signal as the host knows it, or null. Kept once it is found, and the record's; asked for
     /// again, with a warning each time the host refuses, while it is not.
-    SignalSpecification* getSignalSpecification(const std::u16string& modelName);
+    ZM_HMI_API SignalSpecification* getSignalSpecification(const std::u16string& modelName);
 
     /// The signal's cached port (1-based), or 0.
-    int getAlignedPortIndex(const std::u16string& modelName);
+    ZM_HMI_API int getAlignedPortIndex(const std::u16string& modelName);
     /// The signal's decimation, or 1.
-    int getDecimation(const std::u16string& modelName);
+    ZM_HMI_API int getDecimation(const std::u16string& modelName);
     /// The signal's maximum number of points, or 0.
-    int getMaxPoints(const std::u16string& modelName);
+    ZM_HMI_API int getMaxPoints(const std::u16string& modelName);
 
     /// `path` becomes the observer's path followed by the block's current path, and `subPath` the signal's
     /// path inside the block; both become empty when the host gives no path.
-    void getAlignedBlockPath(const std::u16string& modelName, std::vector<std::u16string>& path,
-                             std::u16string& subPath);
+    ZM_HMI_API void getAlignedBlockPath(const std::u16string& modelName, std::vector<std::u16string>& path,
+                                        std::u16string& subPath);
 
     // ---- members ----
 

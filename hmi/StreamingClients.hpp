@@ -50,7 +50,7 @@ public:
     SignalClient* get(std::size_t index) const { return getShared(index).get(); }
 
     /// The client at `index`, held: it stays alive when host code removes it meanwhile.
-    SignalClientPtr getShared(std::size_t index) const;
+    ZM_HMI_API SignalClientPtr getShared(std::size_t index) const;
 
     void add(SignalClientPtr client);
     void set(std::size_t index, SignalClientPtr client);

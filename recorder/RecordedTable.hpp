@@ -1,7 +1,7 @@
 #ifndef ZM_RECORDER_RECORDED_TABLE_HPP
 #define ZM_RECORDER_RECORDED_TABLE_HPP
 
-#include "recorder/PortNames.hpp"
+#include "simulation/PortNames.hpp"
 
 #include <cstddef>
 #include <filesystem>
@@ -11,6 +11,11 @@
 #include <vector>
 
 namespace recorder {
+
+using simulation::findPort;
+using simulation::OutputPort;
+using simulation::portName;
+using simulation::PortSearch;
 
 /// Is called again and again during long work. What it throws ends the work and reaches the caller.
 using Checkpoint = std::function<void()>;

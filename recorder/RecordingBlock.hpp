@@ -2,7 +2,7 @@
 #define ZM_RECORDER_RECORDING_BLOCK_HPP
 
 #include "recorder/CsvFile.hpp"
-#include "recorder/PortNames.hpp"
+#include "simulation/PortNames.hpp"
 #include "streamout/FileRecordingContext.hpp"
 #include "streamout/StreamOutBlockContext.hpp"
 
@@ -10,6 +10,11 @@
 #include <string>
 
 namespace recorder {
+
+using simulation::findPort;
+using simulation::OutputPort;
+using simulation::portName;
+using simulation::PortSearch;
 
 /// A block that records the signal of one output port while a simulation runs. `RecordingRun` calls
 /// `prepare`, then `sample` for each point in time, then `finish`; after that it may be used for another

@@ -73,6 +73,7 @@ struct Channel {
     bool isHidden = false;               ///< not to be shown in signal viewers
     bool isBound = false;                ///< the diagram has the port or chart object
     bool hasSource = false;              ///< a source of the run gives its values
+    bool isProbe = false;                ///< not of a signal: see `Run::probe`
     ValueLayout layout;
 
     /// The signal's name, else the port's.

@@ -151,20 +151,24 @@ void ValueHub::Impl::align(std::vector<ChannelSetup> setups)
             found->second.pop_back();
             const Channel before = slot.channel;
             adopt(slot, std::move(setup));
-            if (before != slot.channel) {
+            if (before != slot.channel && !slot.channel.isProbe) {
                 changed.push_back(slots.size());
             }
         } else {
             slot.channel.id = ++m_lastId;
-            added.push_back(slots.size());
             adopt(slot, std::move(setup));
+            if (!slot.channel.isProbe) {
+                added.push_back(slots.size());
+            }
         }
         slots.push_back(std::move(slot));
     }
     std::vector<ChannelId> removed;
     for (auto& [uuid, gone] : old) {
         for (Slot& slot : gone) {
-            removed.push_back(slot.channel.id);
+            if (!slot.channel.isProbe) {
+                removed.push_back(slot.channel.id);
+            }
             endColumn(slot);
         }
     }
@@ -318,7 +322,9 @@ void ValueHub::Impl::deliver(const StepTime& time)
                                     [](const auto& subscription) { return subscription->isAll; });
     m_all.clear();
     for (std::size_t i = 0; anyAll && i < m_slots.size(); ++i) {
-        addSamples(m_all, m_slots[i]);
+        if (!m_slots[i].channel.isProbe) {
+            addSamples(m_all, m_slots[i]);
+        }
     }
     tellAll([&](const Subscription::State& subscription) {
         if (!subscription.isAll) {
@@ -362,7 +368,9 @@ void ValueHub::Impl::flushBlocks()
 void ValueHub::Impl::subscribe(const std::shared_ptr<Subscription::State>& subscription)
 {
     for (const Slot& slot : m_slots) {
-        subscription->consumer->channelAdded(slot.channel);
+        if (!slot.channel.isProbe) {
+            subscription->consumer->channelAdded(slot.channel);
+        }
     }
     subscription->consumer->clientsChanged(clients);
     m_subscriptions.push_back(subscription);
@@ -429,7 +437,9 @@ std::vector<Channel> ValueHub::channels() const
     std::vector<Channel> channels;
     channels.reserve(m_impl->slots().size());
     for (const Slot& slot : m_impl->slots()) {
-        channels.push_back(slot.channel);
+        if (!slot.channel.isProbe) {
+            channels.push_back(slot.channel);
+        }
     }
     return channels;
 }

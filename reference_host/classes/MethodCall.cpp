@@ -5,6 +5,7 @@
 #include "reference_host/classes/LibraryCall.hpp"
 #include "reference_host/classes/Types.hpp"
 #include "reference_host/classes/ValueConversion.hpp"
+#include "reference_host/support/ChangeCount.hpp"
 #include "reference_host/support/HostErrors.hpp"
 #include "reference_host/values/ValueDescription.hpp"
 #include "reference_host/values/ValueMaking.hpp"
@@ -98,6 +99,7 @@ MethodCall::MethodCall(const RegisteredClass& cosClass, const RegisteredClass::M
 MethodCall::Results MethodCall::run(const nvArray* object, const Arguments& arguments, int outputCount)
 {
     const std::size_t wanted = resultCount(outputCount);
+    ChangeCount::objectUsed();
     convertInputs(object, arguments);
     Outputs outputs(m_signature.outputs().size());
     invoke(static_cast<int>(wanted), outputs);

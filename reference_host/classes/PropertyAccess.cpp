@@ -9,6 +9,7 @@
 #include "reference_host/classes/ObjectElements.hpp"
 #include "reference_host/classes/Types.hpp"
 #include "reference_host/classes/ValueConversion.hpp"
+#include "reference_host/support/ChangeCount.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 
 namespace reference_host {
@@ -81,6 +82,7 @@ OwnedValue PropertyAccess::get() const
 
 void PropertyAccess::set(const nvArray* value) const
 {
+    ChangeCount::objectUsed();
     nvcos::COSValue converted;
     const std::string complaint = convertToType(value, typeOf(*m_class, *m_property), converted);
     if (!complaint.empty()) {

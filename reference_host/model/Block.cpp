@@ -3,6 +3,7 @@
 #include "host/Text.hpp"
 #include "reference_host/model/DiagramErrors.hpp"
 #include "reference_host/model/Model.hpp"
+#include "reference_host/support/ChangeCount.hpp"
 
 #include <algorithm>
 #include <utility>
@@ -47,11 +48,13 @@ std::string Block::zid() const
 void Block::addPort(PortKind kind, std::u16string name, std::uint32_t origin)
 {
     m_ports[static_cast<std::size_t>(kind)].push_back({std::move(name), origin});
+    ChangeCount::diagramChanged();
 }
 
 void Block::setPorts(PortKind kind, std::vector<Port> ports)
 {
     m_ports[static_cast<std::size_t>(kind)] = std::move(ports);
+    ChangeCount::diagramChanged();
 }
 
 Block* Block::child(std::u16string_view name) const
@@ -63,11 +66,13 @@ Block* Block::child(std::u16string_view name) const
 void Block::addConnection(Connection connection)
 {
     m_connections.push_back(std::move(connection));
+    ChangeCount::diagramChanged();
 }
 
 void Block::setConnections(std::vector<Connection> connections)
 {
     m_connections = std::move(connections);
+    ChangeCount::diagramChanged();
 }
 
 void Block::setParameter(const std::u16string& name, std::u16string value)
@@ -87,6 +92,7 @@ Chart& Block::addChart(std::u16string chartName)
         throw diagramError("InvalidChartBlock", {toUtf8(path()), std::string(reason)});
     }
     m_chart = std::make_unique<Chart>(std::move(chartName));
+    ChangeCount::diagramChanged();
     return *m_chart;
 }
 
@@ -96,6 +102,7 @@ void Block::adopt(std::unique_ptr<Block> child, std::size_t position)
     Block& adopted = **m_children.insert(place, std::move(child));
     adopted.m_parent = this;
     m_childrenByName.emplace(adopted.m_name, &adopted);
+    ChangeCount::diagramChanged();
 }
 
 std::unique_ptr<Block> Block::release(const Block& child)
@@ -104,6 +111,7 @@ std::unique_ptr<Block> Block::release(const Block& child)
         return connection.start.element == &child || connection.end.element == &child;
     });
     m_childrenByName.erase(child.m_name);
+    ChangeCount::diagramChanged();
     const auto place = std::find_if(m_children.begin(), m_children.end(),
                                     [&child](const auto& owned) { return owned.get() == &child; });
     std::unique_ptr<Block> released = std::move(*place);
@@ -113,6 +121,7 @@ std::unique_ptr<Block> Block::release(const Block& child)
 
 void Block::rename(std::u16string name)
 {
+    ChangeCount::diagramChanged();
     if (m_parent == nullptr) {
         m_name = std::move(name);
         return;

@@ -2,6 +2,7 @@
 
 #include "host/Text.hpp"
 #include "reference_host/model/DiagramErrors.hpp"
+#include "reference_host/support/ChangeCount.hpp"
 
 #include <utility>
 
@@ -61,6 +62,7 @@ std::uint32_t Chart::add(ChartObjectKind kind, std::u16string name, std::uint32_
     }
     const auto kzid = static_cast<std::uint32_t>(m_objects.size());
     m_objects.push_back({kind, kzid, parent, std::move(name)});
+    ChangeCount::diagramChanged();
     return kzid;
 }
 

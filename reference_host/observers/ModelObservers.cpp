@@ -1,5 +1,6 @@
 #include "reference_host/classes/ModelObserversClass.hpp"
 #include "reference_host/model/Model.hpp"
+#include "reference_host/support/ChangeCount.hpp"
 #include "reference_host/support/MessageCatalog.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"
@@ -23,6 +24,7 @@ OwnedValue Model::observers() const
 
 void Model::setObservers(const nvArray* value)
 {
+    ChangeCount::diagramChanged();
     if (isEmpty(value)) {
         m_observers.reset();
         return;

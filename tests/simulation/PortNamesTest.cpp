@@ -1,4 +1,4 @@
-#include "recorder/PortNames.hpp"
+#include "simulation/PortNames.hpp"
 
 #include "tests/recorder/RecorderTest.hpp"
 

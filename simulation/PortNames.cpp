@@ -1,4 +1,4 @@
-#include "recorder/PortNames.hpp"
+#include "simulation/PortNames.hpp"
 
 #include "reference_host/support/TextConversion.hpp"
 
@@ -6,7 +6,7 @@
 #include <charconv>
 #include <vector>
 
-namespace recorder {
+namespace simulation {
 
 using reference_host::Block;
 using reference_host::Model;
@@ -82,4 +82,4 @@ std::string portName(const OutputPort& port)
                 : std::to_string(port.index + 1));
 }
 
-}  // namespace recorder
+}  // namespace simulation

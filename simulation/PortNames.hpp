@@ -1,5 +1,5 @@
-#ifndef ZM_RECORDER_PORT_NAMES_HPP
-#define ZM_RECORDER_PORT_NAMES_HPP
+#ifndef ZM_SIMULATION_PORT_NAMES_HPP
+#define ZM_SIMULATION_PORT_NAMES_HPP
 
 #include "reference_host/model/Model.hpp"
 
@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-namespace recorder {
+namespace simulation {
 
 /// An output port of a diagram. It is of use as long as the diagram is.
 struct OutputPort {
@@ -33,6 +33,6 @@ PortSearch findPort(const reference_host::Model& model, std::string_view name);
 /// port's name; its number where other ports of the block have the same name. UTF-8.
 std::string portName(const OutputPort& port);
 
-}  // namespace recorder
+}  // namespace simulation
 
 #endif
