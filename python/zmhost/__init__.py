@@ -38,7 +38,7 @@ from zmhost._zmhost import Block, Chart, ChartObject, Connection, Model, Port, R
 from zmhost._zmhost import active_recordings, models
 
 if TYPE_CHECKING:
-    Zelmar: Namespace
+    from zmhost import _zelmar as Zelmar
 
 __all__ = [
     "Block",
