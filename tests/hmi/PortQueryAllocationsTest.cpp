@@ -1,7 +1,7 @@
 #include "hmi/InstrumentedSignals.hpp"
 
 #include "host/Text.hpp"
-#include "tests/hmi/CountingNew.hpp"
+#include "tests/support/CountingNew.hpp"
 #include "tests/hmi/LibraryTest.hpp"
 #include "tests/hmi/SignalValues.hpp"
 

@@ -5,7 +5,7 @@
 #include "host/OwnedArray.hpp"
 #include "reference_host/classes/ClassObjects.hpp"
 #include "reference_host/support/Ledger.hpp"
-#include "tests/hmi/CountingNew.hpp"
+#include "tests/support/CountingNew.hpp"
 #include "tests/hmi/LibraryTest.hpp"
 #include "tests/hmi/SignalValues.hpp"
 #include "tests/hmi_foundation/bindings/RecordingClass.hpp"

@@ -1,4 +1,4 @@
-#include "tests/hmi/CountingNew.hpp"
+#include "tests/support/CountingNew.hpp"
 
 #include <atomic>
 #include <cstdlib>
