@@ -1,9 +1,11 @@
-#include "hmi/SignalSpecification.hpp"
+#include "hmi/BlockPortUUIDs.hpp"
 
 #include "hmi/Numbers.hpp"
 
 #include <boost/uuid/random_generator.hpp>
 #include <boost/uuid/uuid_io.hpp>
+
+#include <utility>
 
 namespace zm_hmi {
 
@@ -17,17 +19,9 @@ struct SigSpecUUIDGenerator {
 
 boost::uuids::random_generator SigSpecUUIDGenerator::s_rndGenerator;
 
-// One 16-byte read from the device, version 4, RFC 4122 variant, in lower-case text.
-std::string makeUUID()
+std::string keyOf(int port, double blockHandle)
 {
-    return boost::uuids::to_string(SigSpecUUIDGenerator::s_rndGenerator());
-}
-
-// The handle is written with six decimals here, unlike in source keys: handles that agree to six
-// decimals share an entry.
-std::string blockPortKey(int portIndex, double blockHandle)
-{
-    std::string key(NumberText::decimal(portIndex).view());
+    std::string key(NumberText::decimal(port).view());
     key += '-';
     key += NumberText::fixed6(blockHandle).view();
     return key;
@@ -35,39 +29,31 @@ std::string blockPortKey(int portIndex, double blockHandle)
 
 }  // namespace
 
-std::unordered_map<std::string, std::string> SignalSpecification::m_blockUUIDmap;
-
-bool SignalSpecification::isInBlockHandleUUIDmap(const int& portIndex, const double& blockHandle)
+std::string BlockPortUUIDs::makeUUID()
 {
-    return m_blockUUIDmap.contains(blockPortKey(portIndex, blockHandle));
+    return boost::uuids::to_string(SigSpecUUIDGenerator::s_rndGenerator());
 }
 
-void SignalSpecification::addToBlockHandleUUIDmap(const int& portIndex, const double& blockHandle,
-                                                  const std::string& uuid)
+bool BlockPortUUIDs::contains(int port, double blockHandle) const
 {
-    m_blockUUIDmap.insert_or_assign(blockPortKey(portIndex, blockHandle), uuid);
+    return m_uuids.contains(keyOf(port, blockHandle));
 }
 
-std::string SignalSpecification::getUUIDFromBlockHandle(const int& portIndex, const double& blockHandle,
-                                                        const bool& useMap)
+void BlockPortUUIDs::assign(int port, double blockHandle, const std::string& uuid)
 {
-    if (!useMap) {
-        return makeUUID();
-    }
-    std::string key = blockPortKey(portIndex, blockHandle);
-    const auto found = m_blockUUIDmap.find(key);
-    if (found != m_blockUUIDmap.end()) {
+    m_uuids.insert_or_assign(keyOf(port, blockHandle), uuid);
+}
+
+std::string BlockPortUUIDs::findOrMake(int port, double blockHandle)
+{
+    std::string key = keyOf(port, blockHandle);
+    const auto found = m_uuids.find(key);
+    if (found != m_uuids.end()) {
         return found->second;
     }
-    // Made before it is entered: when the device fails, no empty entry stays behind.
     std::string uuid = makeUUID();
-    m_blockUUIDmap.emplace(std::move(key), uuid);
+    m_uuids.emplace(std::move(key), uuid);
     return uuid;
-}
-
-std::unordered_map<std::string, std::string>& SignalSpecification::getBlockUUIDmap()
-{
-    return m_blockUUIDmap;
 }
 
 }  // namespace zm_hmi

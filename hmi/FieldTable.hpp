@@ -5,12 +5,11 @@
 #include "host/OwnedArray.hpp"
 
 #include <algorithm>
-#include <array>
-#include <cstddef>
 #include <string>
+#include <vector>
 
-/// What the field tables of the records are made of: one row a field, and the conversions between a member
-/// and a host value that more than one row uses. A conversion is picked by the member that it serves:
+/// The parts of the records' field tables: a row for each field, and the conversions between a member and a
+/// host value that more than one row uses. A conversion is a template over the member:
 /// `writeText<&Record::SubPath_>`.
 namespace zm_hmi {
 
@@ -25,12 +24,11 @@ struct FieldRow {
 };
 
 /// The names of a table's fields, in its order.
-template <class Record, std::size_t Count>
-std::array<const char*, Count> fieldNames(const std::array<FieldRow<Record>, Count>& table)
+template <class Table>
+std::vector<const char*> fieldNames(const Table& table)
 {
-    std::array<const char*, Count> names{};
-    std::transform(table.begin(), table.end(), names.begin(),
-                   [](const FieldRow<Record>& row) { return row.name; });
+    std::vector<const char*> names(table.size());
+    std::transform(table.begin(), table.end(), names.begin(), [](const auto& row) { return row.name; });
     return names;
 }
 

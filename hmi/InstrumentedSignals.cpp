@@ -10,7 +10,8 @@ using zm_hmi_foundation::throwInvalidElementIndex;
 
 bool InstrumentedSignals::isEqual(const InstrumentedSignals* other) const
 {
-    return std::equal(m_signals.begin(), m_signals.end(), other->m_signals.begin(), other->m_signals.end(),
+    return other != nullptr &&
+           std::equal(m_signals.begin(), m_signals.end(), other->m_signals.begin(), other->m_signals.end(),
                       [](const SignalSpecificationPtr& left, const SignalSpecificationPtr& right) {
                           return left->isEqual(right.get());
                       });
@@ -35,33 +36,31 @@ void InstrumentedSignals::insert(std::size_t index, const SignalSpecificationPtr
         throwInvalidElementIndex(m_signals.size());
     }
     const SignalSpecificationPtr added = signal;  // the reference may be to one of our own elements
-    const auto position = m_signals.begin() + static_cast<std::ptrdiff_t>(index);
-    m_signals.insert(position, added);
-    forgetPortCache();
+    const auto position = static_cast<std::ptrdiff_t>(index);
+    m_signals.insert(m_signals.begin() + position, added);
     try {
         addToObservedPortMap(added);
     } catch (...) {
-        m_signals.erase(m_signals.begin() + static_cast<std::ptrdiff_t>(index));
+        m_signals.erase(m_signals.begin() + position);
         throw;
     }
+    m_ports.forgetPortCache();
 }
 
 void InstrumentedSignals::set(std::size_t index, const SignalSpecificationPtr& signal)
 {
     const SignalSpecificationPtr replaced = get(index);
     const SignalSpecificationPtr added = signal;
-    const PortKeys oldKeys = portKeys(*replaced);
+    const PortKeys replacedKeys = portKeys(*replaced);
     // The replaced element is taken for a port whatever it is: a chart element stays in the chart caches.
     if (isKestrowDomain(added->getDomainType())) {
-        addToObservedKWObjectCache(added);
-        erasePort(*replaced, oldKeys);
+        setActivityObserved(m_charts, *added, true);
+        m_ports.erase(*replaced, replacedKeys);
     } else {
-        const PortKeys newKeys = portKeys(*added);
-        erasePort(*replaced, oldKeys);
-        enterPort(added, newKeys);
+        m_ports.replace(*replaced, replacedKeys, added, portKeys(*added));
     }
     m_signals[index] = added;
-    forgetPortCache();
+    m_ports.forgetPortCache();
 }
 
 void InstrumentedSignals::remove(std::size_t index)
@@ -71,7 +70,7 @@ void InstrumentedSignals::remove(std::size_t index)
         removeFromObservedKWObject(removed);
     } else {
         removeFromObservedPortMap(removed);
-        forgetPortCache();
+        m_ports.forgetPortCache();
     }
     m_signals.erase(m_signals.begin() + static_cast<std::ptrdiff_t>(index));
 }
@@ -85,16 +84,17 @@ void InstrumentedSignals::remove(const SignalSpecification& signal)
         return;
     }
     const SignalSpecificationPtr removed = *found;
-    forgetPortCache();
     // The domain is not asked for here: a chart element keeps its entries in the chart caches.
     removeFromObservedPortMap(removed);
+    m_ports.forgetPortCache();
     m_signals.erase(found);
 }
 
 void InstrumentedSignals::setModelName(const std::u16string& modelName)
 {
-    const std::u16string oldName = m_modelName;
-    m_modelName = modelName;
+    std::u16string oldName = modelName;
+    oldName.swap(m_modelName);
+    m_keyPrefix = ModelKeyPrefix(m_modelName);
     for (const SignalSpecificationPtr& signal : m_signals) {
         signal->renameModel(oldName, m_modelName);
     }

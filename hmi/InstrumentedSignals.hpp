@@ -1,40 +1,49 @@
 #ifndef ZM_HMI_INSTRUMENTED_SIGNALS_HPP
 #define ZM_HMI_INSTRUMENTED_SIGNALS_HPP
 
+#include "hmi/ChartActivityCache.hpp"
+#include "hmi/ObservedPortMap.hpp"
 #include "hmi/SignalSpecification.hpp"
+#include "hmi/SourceKeys.hpp"
 #include "hmi_foundation/Export.hpp"
 #include "host/OwnedArray.hpp"
 #include "host/Ports.hpp"
 
-#include <boost/shared_ptr.hpp>
-
-#include <bitset>
 #include <cstddef>
 #include <list>
+#include <optional>
 #include <set>
 #include <string>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 namespace zm_hmi {
 
-using SignalSpecificationPtr = boost::shared_ptr<SignalSpecification>;
-
-/// A model's instrumented signals, in the user's order, with the maps that tell the editor which ports
-/// and chart activities are observed. The native object behind the host class
-/// "Zelmar.HMI.InstrumentedSignals", which makes and ends it.
+/// A model's instrumented signals, in the user's order, with the lookup structures that tell the editor which
+/// ports and chart activities are observed. The native object behind the host class
+/// "Zelmar.HMI.InstrumentedSignals", which creates and destroys it.
 ///
-/// Indices are 0-based; one that is not below the count throws the host's "InvalidElementIndex" with the
-/// count as its argument. Nothing rejects duplicates. What holds: an element outside the chart domain stands
-/// in the observed port map, as this very object, unless another element of the same port was removed or
-/// replaced since, which takes all entries of the port; chart elements stand in the chart caches only; the
-/// port cache is empty or was filled after the last change of the port map.
+/// Indices are 0-based; an index that is not below the count throws the host's "InvalidElementIndex" with the
+/// count as its argument. Duplicates are allowed.
 ///
-/// An operation that runs short of memory halfway may leave the port map behind the elements;
-/// `updateObservedPortMap` makes it right.
+/// Invariant: an element outside the chart domain is entered in the port map, as this very object, and an
+/// element of the chart domain in the chart caches if its activity has a bit. Exceptions:
+/// - An element whose source key is 0 is not entered under that key.
+/// - Removing or replacing an element takes all entries of its port, those of other elements too, and
+///   removing a chart element takes the entries of its chart object and activity.
+/// - `removeFromObservedPortMap` and `removeFromObservedKWObject`, when called directly, take the entries of
+/// an
+///   element that stays.
+/// - Entries that were made before `setModelName` keep the keys of the old name.
+/// - The port map of a `copy` refers to the elements of the original.
+/// - A chart element that `set` or `remove(signal)` takes out stays in the chart caches.
+/// `updateObservedPortMap` makes the port map agree with the elements again.
 ///
-/// Host code that runs inside an operation may call back into the same collection. Main thread only.
+/// The port cache is empty or was filled after the last change of the port map's entries, except that a
+/// rebuild that only empties the port map leaves it.
+///
+/// An operation either completes or changes nothing, where its comment does not say otherwise. Host code that
+/// runs inside an operation may call back into the same collection. Main thread only.
 class InstrumentedSignals {
 public:
     InstrumentedSignals() = default;
@@ -55,7 +64,7 @@ public:
 
     std::size_t getCount() const noexcept { return m_signals.size(); }
 
-    /// True when both have equal elements (`SignalSpecification::isEqual`) in the same order.
+    /// True when both have equal elements (`SignalSpecification::isEqual`) in the same order. False for null.
     bool isEqual(const InstrumentedSignals* other) const;
 
     ZM_HMI_API SignalSpecificationPtr get(std::size_t index) const;
@@ -87,7 +96,8 @@ public:
     /// A struct array with one element a signal and the 16 persisted fields.
     OwnedArray getPersistenceData() const;
 
-    /// Appends a record for every element of a persisted struct array.
+    /// Appends a record for every element of a persisted struct array. When that fails, the records of the
+    /// elements before the failure stay, each fully entered.
     void setFromPersistenceData(const nvArray* data);
 
     /// A new host object whose collection has the model name and a clone of every element, or of those not
@@ -95,12 +105,13 @@ public:
     /// skipped ones included; `updateObservedPortMap` on the copy makes it refer to the clones.
     OwnedArray copy(bool exclude) const;
 
-    // ---- observed ports: ObservedPortMap.cpp ----
+    // ---- observed ports: InstrumentedSignalsPorts.cpp ----
 
     /// True when the port map has an entry; chart activities do not count.
-    bool isAnyPortObserved() const noexcept { return !m_observedPorts.empty(); }
+    bool isAnyPortObserved() const noexcept { return !m_ports.isEmpty(); }
 
-    /// Rebuilds the port map from the elements. Leaves the chart caches as they are.
+    /// Rebuilds the port map from the elements, and enters chart elements in the chart caches, which are not
+    /// emptied before.
     void updateObservedPortMap();
 
     /// Enters a signal under its source keys. One that has no key (0) is not entered; one that is entered
@@ -120,8 +131,12 @@ public:
     bool isPortObserved(double blockHandle, const std::u16string& blockPath, const std::u16string& subPath,
                         int outputPortIndex, int portNumber, int logicalPortIndex);
 
-    /// Answers by handle and port alone. Changes nothing and allocates nothing.
-    bool isPortObserved(double blockHandle, int portNumber) const;
+    /// Answers by handle and port alone: one look-up in an index, without allocating. While the index is not
+    /// exact, because an entered record was changed elsewhere, the answer comes from the port map itself.
+    bool isPortObserved(double blockHandle, int portNumber) const
+    {
+        return m_ports.isObserved(blockHandle, portNumber);
+    }
 
     /// Whether the port was among those of the last `cacheZMPorts`; false once the port map has changed.
     ZM_HMI_API bool isZMPortObserved(const zmPort* port) const;
@@ -164,15 +179,28 @@ public:
 
     // ---- after edits: PortRenumbering.cpp ----
 
-    /// Follows an edit of one block's output ports, given by handle, full path and full ZID: an element is
-    /// the block's when any of the three is its own. `newNumbers` has, at old port number - 1, the new
-    /// number, or 0 for a deleted port, whose elements are removed. Caution: handle 0.0 is every unbound
-    /// element's, and an unbound element that is renumbered has a cached port, with handle 0.0, afterwards.
+    /// An edit of one block's output ports. The block is given by handle, full path and full ZID: an element
+    /// belongs to it when any of the three is the element's. `newNumbers` has, at old port number - 1, the
+    /// new number, or 0 for a deleted port.
+    struct PortNumbers {
+        double blockHandle;
+        std::u16string blockPath;
+        std::string zid;
+        std::vector<int> newNumbers;
+    };
+
+    /// Gives the elements of a block their new port numbers and removes those of deleted ports. Caution:
+    /// handle 0.0 is that of every unbound element, and an unbound element that is renumbered has a cached
+    /// port, with handle 0.0, afterwards.
     ZM_HMI_API void renumberPorts(double blockHandle, const std::u16string& blockPath, const std::string& zid,
                                   const std::vector<int>& newNumbers);
 
-    /// Has the host rebind the signals of a host object; null does nothing. A host failure gives one
-    /// warning, never an exception. Afterwards no rebinding is pending, whether or not it succeeded.
+    /// The same for several blocks, one after the other, with one rebuild of the port map in the end.
+    ZM_HMI_API void renumberPorts(const std::vector<PortNumbers>& blocks);
+
+    /// Has the host rebind the signals of a host object, of an array of objects those of the first; null does
+    /// nothing. A host failure gives one warning and no exception; short memory throws. Afterwards no
+    /// rebinding is pending in any case.
     ZM_HMI_API static void applyRebindingRules(const nvArray* value, bool flag);
 
     // ---- the editor's questions about a whole model, answered by the host: EditorQueries.cpp. A host
@@ -204,37 +232,29 @@ public:
     ZM_HMI_API static void getPortsWithBadges(const nvArray* model, std::set<double>& handles);
 
 private:
-    static constexpr std::size_t activityCount = 4;
-    using Activities = std::bitset<activityCount>;
+    friend struct RebindingAccess;  // tests set the flag with it, which no operation of the library does
 
-    struct KeyIsHash {
-        std::size_t operator()(std::size_t key) const noexcept { return key; }
-    };
+    /// The keys of a signal's port, with the new number that the signal is about to get.
+    PortKeys portKeys(const SignalSpecification& signal, std::optional<int> newNumber = {}) const;
+    std::size_t pathKey(const std::u16string& blockPath, const std::u16string& subPath, int outputPortIndex,
+                        int logicalPortIndex) const;
+    void enter(ObservedPortMap& ports, ChartActivityCache& charts, const SignalSpecificationPtr& signal,
+               std::optional<int> newNumber = {}) const;
+    void bind(const SignalSpecificationPtr& signal, double blockHandle, int portNumber);
 
-    void forgetPortCache() noexcept;
-    /// The keys of a signal's port; making them is what may fail, so it comes before anything changes.
-    struct PortKeys {
-        std::size_t byPath;
-        std::size_t byHandle;
-    };
-    PortKeys portKeys(const SignalSpecification& signal) const;
-    void enterPort(const SignalSpecificationPtr& signal, const PortKeys& keys);
-    void erasePort(const SignalSpecification& removed, const PortKeys& keys);
-    template <class Matches>
-    void eraseUnderKey(std::size_t key, Matches matches);
-    void eraseAt(const std::vector<std::size_t>& indices);
-    Activities& activitiesOf(const std::string& zid, const std::string& kzid);
-    void setActivityObserved(const SignalSpecification& signal, bool observed);
+    std::size_t objectKey(const std::string& zid, const std::string& kzid) const;
+    std::size_t activityKey(const std::string& zid, const std::string& kzid,
+                            const std::string& activity) const;
+    void setActivityObserved(ChartActivityCache& charts, const SignalSpecification& signal,
+                             bool observed) const;
 
     std::u16string m_modelName;
+    ModelKeyPrefix m_keyPrefix{m_modelName};
     std::vector<SignalSpecificationPtr> m_signals;
-    std::unordered_multimap<std::size_t, SignalSpecificationPtr, KeyIsHash> m_observedPorts;
-    std::unordered_set<const zmPort*> m_cachedPorts;
-    std::unordered_map<std::size_t, bool, KeyIsHash> m_observedActivities;
-    std::unordered_map<std::size_t, Activities, KeyIsHash> m_chartObjects;
-    /// Never true so far: nothing in the library sets it. It stays because its two other ends are settled,
-    /// the query by path that heeds it and the rebinding that ends it; who is to announce a rebinding is
-    /// open.
+    ObservedPortMap m_ports;
+    ChartActivityCache m_charts;
+    /// Nothing in the library sets it: when a host would announce a rebinding is open. The query by path
+    /// reads it, and the rebinding resets it.
     bool m_rebindingPending = false;
 
     static const std::unordered_map<std::string, std::size_t> m_kwActivityBitMask;

@@ -31,9 +31,10 @@ OwnedArray InstrumentedSignals::getPersistenceData() const
 
     const std::size_t count = m_signals.size();
     OwnedArray data(nvCreateStructArray(1, &count, fieldCount, fieldNames));
-    // The host answers for every element and may change the collection meanwhile. When it removes elements,
-    // the last of the array stay unset, for a struct array does not shrink. Whoever loads it gets the
-    // elements before them and then the host error that a required number is missing.
+    // The host is called for each element and may change the collection meanwhile. When it removes elements,
+    // the last elements of the struct array stay unset, because a struct array does not shrink. Loading such
+    // an array appends the elements before them and then throws the host error that a required number is
+    // missing.
     for (std::size_t i = 0; i < count && i < m_signals.size(); ++i) {
         const SignalSpecificationPtr signal = m_signals[i];
         signal->getPersistenceData(data.get(), i, m_modelName);
@@ -46,7 +47,7 @@ void InstrumentedSignals::setFromPersistenceData(const nvArray* data)
     const std::size_t count = nvGetNumberOfElements(data);
     if (count > m_signals.size()) {
         m_signals.reserve(m_signals.size() + count);
-        m_observedPorts.reserve(m_observedPorts.size() + count);
+        m_ports.reserve(m_signals.size() + count);
     }
     for (std::size_t i = 0; i < count; ++i) {
         add(boost::make_shared<SignalSpecification>(data, i, std::u16string()));
@@ -57,6 +58,7 @@ OwnedArray InstrumentedSignals::copy(bool exclude) const
 {
     auto [object, target] = collections::newHostObject<InstrumentedSignals>(hostClass);
     target->m_modelName = m_modelName;
+    target->m_keyPrefix = m_keyPrefix;
     const std::size_t count = m_signals.size();  // the host may have answered with this very collection
     for (std::size_t i = 0; i < count; ++i) {
         if (!(exclude && m_signals[i]->getExcludeForSave())) {
@@ -64,11 +66,10 @@ OwnedArray InstrumentedSignals::copy(bool exclude) const
         }
     }
     if (target != this) {
-        // Taken over as they are: the copied map refers to this collection's elements, not to the clones.
-        target->m_observedPorts = m_observedPorts;
-        if (!m_observedActivities.empty()) {
-            target->m_observedActivities = m_observedActivities;
-            target->m_chartObjects = m_chartObjects;
+        // As they are, on purpose: the copied map refers to this collection's elements, not to the clones.
+        target->m_ports.copyEntries(m_ports);
+        if (!m_charts.hasNoActivity()) {
+            target->m_charts = m_charts;
         }
     }
     return std::move(object);

@@ -10,6 +10,8 @@
 
 namespace zm_hmi {
 
+class BlockPortUUIDs;
+
 /// One instrumented signal: an output port of a block, or an activity of a state chart reached through
 /// the chart's block, whose values are streamed out of a running simulation.
 ///
@@ -48,11 +50,13 @@ public:
     // ---- comparing ----
 
     /// True when all persisted members are equal. Domain parameters are compared side by side in the
-    /// iteration order of the two maps: equal contents in another order are unequal, on purpose.
+    /// iteration order of the two maps: equal contents in another order are unequal, on purpose. False for
+    /// null.
     bool isEqual(const SignalSpecification* other) const;
 
-    /// True when both observe the same port: by cached handle and port where both have a handle, else
-    /// also by port numbers, block path and sub-path. Settings and UUIDs do not matter.
+    /// True when both observe the same port. Equal cached handles (not 0.0) with equal cached ports decide
+    /// that they do. In all other cases, two different handles included, the port numbers, block paths and
+    /// sub-paths decide. Settings and UUIDs do not matter. False for null.
     bool isSameSignal(const SignalSpecification* other) const;
 
     // ---- host struct form ----
@@ -89,10 +93,10 @@ public:
 
     // ---- changing ----
 
-    void setCachedInfo(double blockHandle, int portIdx);
+    void setCachedInfo(double blockHandle, int portIdx) noexcept;
 
     /// Sets the output port and the cached port; the logical port stays.
-    void renumberPortIndex(int newIndex);
+    void renumberPortIndex(int newIndex) noexcept;
 
     /// Does nothing: a record holds no model name that could change.
     void renameModel(const std::u16string& oldName, const std::u16string& newName);
@@ -131,6 +135,12 @@ public:
     /// The parameter's value, or an empty text when there is none.
     std::u16string getValueForDomainParams(const std::u16string& name) const;
 
+    // ---- changes that a map of observed ports has to know of ----
+
+    /// How often the cached handle or port of a record changed while the record was entered in any map.
+    static std::size_t changesOfEntered() noexcept { return m_changesOfEntered; }
+    void markEntered() noexcept { m_isEntered = true; }
+
     // ---- reading ----
 
     const std::string& getUUID() const noexcept { return UUID; }
@@ -159,6 +169,8 @@ private:
 
     SignalSpecification(const SignalSpecification&) = default;
 
+    void cachedInfoChanged() noexcept { m_changesOfEntered += m_isEntered ? 1 : 0; }
+
     // Each member is named after its field.
     std::string UUID;
     std::u16string BlockPath_;
@@ -181,7 +193,10 @@ private:
     std::string BindingRule_;
     bool ExcludeForSave_ = false;
 
-    static std::unordered_map<std::string, std::string> m_blockUUIDmap;
+    bool m_isEntered = false;  // once it is true it stays so: a change too many is harmless
+
+    static BlockPortUUIDs m_blockUUIDmap;
+    static std::size_t m_changesOfEntered;
 };
 
 }  // namespace zm_hmi

@@ -4,41 +4,42 @@
 #include "hmi/FieldTable.hpp"
 #include "hmi/SignalSpecification.hpp"
 
-#include <array>
+#include <span>
+#include <vector>
 
 namespace zm_hmi {
 
-/// The fields of a signal specification: one row a field, in the order of the host struct. Struct form
-/// and object form use the same names and the same conversions; they differ only in the order in which
-/// they visit the rows, and those orders stand where they are used.
+/// The fields of a signal specification: one row a field, in the order of the host struct, the persisted
+/// fields first. Struct form, persisted form and object form use the same names and the same conversions.
 struct SignalSpecification::Fields {
-    enum Field : std::size_t {
-        Uuid,
-        BlockPath,
-        ZID,
-        SubPath,
-        OutputPortIndex,
-        LogicalPortIndex,
-        SignalName,
-        SubSysPath,
-        Decimation,
-        MaxPoints,
-        TargetBufferedStreaming,
-        IsFrameBased,
-        HideInDVX,
-        DomainType,
-        DomainParams,  // stands before the visual type, unlike the members: the struct's order is fixed
-        VisualType,
-        BindingRule,  // from here on: run-time fields
-        CachedBlockHandle,
-        CachedPortIdx,
-        ExcludeForSave,
-        Count
+    enum class Role {
+        Persisted,
+        RunTime,
+        CachedHandle,  // run-time, and means that nothing is cached when it is empty or 0.0
+        CachedPort     // run-time, and means nothing without the handle
     };
-    static constexpr std::size_t persistedCount = BindingRule;
 
-    using Row = FieldRow<SignalSpecification>;
-    static const std::array<Row, Count> table;
+    struct Row : FieldRow<SignalSpecification> {
+        Role role = Role::Persisted;
+        bool (*isEqual)(const SignalSpecification& one, const SignalSpecification& other) = nullptr;
+        bool isRequired = false;  // for loading: a missing field is not skipped
+
+        /// The places of the field in the orders in which the host is called: when a struct is filled, when a
+        /// persisted struct is loaded, when an object is read. Rows with equal places come in table order, so
+        /// that a new field need not choose one.
+        int writeTurn = last;
+        int loadTurn = last;
+        int readTurn = last;
+    };
+    static constexpr int last = 100;
+
+    static std::span<const Row> table();
+
+    /// The rows before the first that is not persisted.
+    static std::span<const Row> persisted();
+
+    /// Some rows in the order of one of their turns.
+    static std::vector<const Row*> sorted(std::span<const Row> rows, int Row::*turn);
 };
 
 }  // namespace zm_hmi

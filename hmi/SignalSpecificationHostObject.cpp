@@ -1,9 +1,9 @@
-#include "hmi/SignalSpecification.hpp"
 #include "hmi/SignalSpecificationFields.hpp"
 
 #include "hmi_foundation/ModelPath.hpp"
 #include "host/HostCall.hpp"
 
+#include <array>
 #include <memory>
 #include <span>
 #include <utility>
@@ -12,26 +12,22 @@ namespace zm_hmi {
 
 void SignalSpecification::setFromNVCOS(const nvArray* object, const std::u16string& modelName)
 {
-    const auto readAll = [&](std::initializer_list<Fields::Field> fields) {
-        for (const Fields::Field field : fields) {
-            const Fields::Row& row = Fields::table[field];
-            row.read(*this, readProperty(object, row.name).get());
+    static const auto order = Fields::sorted(Fields::table(), &Fields::Row::readTurn);
+    bool isCached = true;
+    for (const Fields::Row* row : order) {
+        if (row->role == Fields::Role::CachedPort && !isCached) {
+            continue;
         }
-    };
-    readAll({Fields::Uuid, Fields::ZID, Fields::BlockPath, Fields::SubPath, Fields::SubSysPath,
-             Fields::SignalName, Fields::DomainType, Fields::VisualType, Fields::DomainParams,
-             Fields::OutputPortIndex, Fields::LogicalPortIndex, Fields::Decimation, Fields::MaxPoints,
-             Fields::TargetBufferedStreaming, Fields::IsFrameBased, Fields::HideInDVX, Fields::BindingRule});
-
-    // An empty handle means that none is cached: handle and port keep what they have.
-    const Fields::Row& handle = Fields::table[Fields::CachedBlockHandle];
-    const OwnedArray handleValue = readProperty(object, handle.name);
-    if (!nvIsEmpty(handleValue.get())) {
-        handle.read(*this, handleValue.get());
-        readAll({Fields::CachedPortIdx});
+        const OwnedArray value = readProperty(object, row->name);
+        if (row->role == Fields::Role::CachedHandle && nvIsEmpty(value.get())) {
+            isCached = false;  // handle and port keep what they have
+            continue;
+        }
+        row->read(*this, value.get());
+        if (row->role != Fields::Role::Persisted) {
+            cachedInfoChanged();
+        }
     }
-
-    readAll({Fields::ExcludeForSave});
     stripModelName(modelName);
 }
 
@@ -43,11 +39,10 @@ OwnedArray SignalSpecification::getNVCOSObject(const std::u16string& modelName, 
     zmsvSetLocalScope(data.get());
     createStructData(data.get(), 0, modelName);
 
-    const auto write = [&](Fields::Field field) { return Fields::table[field].write(*this, modelName); };
+    const std::span<const Fields::Row> runTimeRows = Fields::table().subspan(Fields::persisted().size());
     if (asStruct) {
-        for (const Fields::Field field : {Fields::BindingRule, Fields::CachedBlockHandle,
-                                          Fields::CachedPortIdx, Fields::ExcludeForSave}) {
-            setField(data.get(), 0, Fields::table[field].name, write(field));
+        for (const Fields::Row& row : runTimeRows) {
+            setField(data.get(), 0, row.name, row.write(*this, modelName));
         }
         nvSetArrayScope(data.get(), nvScope::CallerOwned);
         return data;
@@ -59,17 +54,13 @@ OwnedArray SignalSpecification::getNVCOSObject(const std::u16string& modelName, 
     if (!object) {
         return nullptr;
     }
-    const auto setProperty = [&](Fields::Field field) {
-        nvSetProperty(object.get(), 0, Fields::table[field].name, write(field).get());
-    };
-    setProperty(Fields::BindingRule);
-    // Unlike the struct, the object gets handle and port only when a handle is cached: on the host's
-    // side an unset handle is what "not cached" looks like.
-    if (CachedBlockHandle_ != 0.0) {
-        setProperty(Fields::CachedBlockHandle);
-        setProperty(Fields::CachedPortIdx);
+    for (const Fields::Row& row : runTimeRows) {
+        // Unlike the struct, the object gets handle and port only when a handle is cached: for the host, a
+        // handle that is not set means that none is cached.
+        if (row.role == Fields::Role::RunTime || CachedBlockHandle_ != 0.0) {
+            nvSetProperty(object.get(), 0, row.name, row.write(*this, modelName).get());
+        }
     }
-    setProperty(Fields::ExcludeForSave);
     return object;
 }
 

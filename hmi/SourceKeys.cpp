@@ -1,18 +1,10 @@
-#include "hmi/SignalSpecification.hpp"
+#include "hmi/SourceKeys.hpp"
 
 #include "hmi/Numbers.hpp"
+#include "hmi/SignalSpecification.hpp"
 #include "host/Text.hpp"
 
-#include <boost/container_hash/hash.hpp>
-
-#include <array>
-#include <memory_resource>
 #include <numeric>
-#include <string_view>
-
-// A source key is the hash of a short text. Cached: handle "$$" port. Not cached: model "/" path "$$"
-// sub-path "$$" port, with the model and its "/" left out when it has no name. Keys are compared only
-// with keys of the same process and never saved.
 
 namespace zm_hmi {
 
@@ -20,29 +12,129 @@ namespace {
 
 constexpr std::string_view componentSeparator = "$$";
 
-std::size_t hashOf(std::string_view text)
+template <class Integer>
+Integer readAs(const void* bytes) noexcept
 {
-    return boost::hash_range(text.begin(), text.end());
+    Integer value = 0;
+    std::memcpy(&value, bytes, sizeof value);
+    return value;
 }
 
-/// Key text under construction; on the heap only beyond the ordinary length.
-class KeyText {
-public:
-    KeyText() { m_text.reserve(m_storage.size() - 1); }
-    KeyText& operator<<(std::string_view part)
-    {
-        m_text.append(part);
-        return *this;
-    }
-    std::size_t hash() const { return hashOf(m_text); }
+// Four UTF-16 units in one number are ASCII when none has a bit beyond the lowest seven.
+constexpr bool areAscii(std::uint64_t units) noexcept
+{
+    return (units & 0xff80ff80ff80ff80U) == 0;
+}
 
-private:
-    std::array<char, 1024> m_storage;
-    std::pmr::monotonic_buffer_resource m_memory{m_storage.data(), m_storage.size()};
-    std::pmr::string m_text{&m_memory};
-};
+// The low bytes of four UTF-16 units, side by side.
+constexpr std::uint64_t narrowed(std::uint64_t units) noexcept
+{
+    units = (units | units >> 8) & 0x0000ffff0000ffffU;
+    return (units | units >> 16) & 0x00000000ffffffffU;
+}
+
+// Text that is not well-formed is converted by the host, which alone decides what becomes of it.
+void appendText(KeyHash& hash, const std::u16string& text)
+{
+    if (!hash.appendWellFormed(text)) {
+        hash.append(toUtf8(text));
+    }
+}
 
 }  // namespace
+
+// ---- hashing in pieces --------------------------------------------------------------------------
+
+// The loops work on a copy of the hash: the compiler keeps it in registers.
+
+void KeyHash::append(std::string_view bytes) noexcept
+{
+    KeyHash hash = *this;
+    while (bytes.size() >= 4) {
+        hash.appendPacked(readAs<std::uint32_t>(bytes.data()), 4);
+        bytes.remove_prefix(4);
+    }
+    for (const char byte : bytes) {
+        hash.appendPacked(static_cast<unsigned char>(byte), 1);
+    }
+    *this = hash;
+}
+
+bool KeyHash::appendWellFormed(std::u16string_view text) noexcept
+{
+    KeyHash hash = *this;
+    std::size_t position = 0;
+    while (position < text.size()) {
+        if (position + 4 <= text.size()) {
+            const auto units = readAs<std::uint64_t>(text.data() + position);
+            if (areAscii(units)) {
+                hash.appendPacked(narrowed(units), 4);
+                position += 4;
+                continue;
+            }
+        }
+        if (!hash.appendUnit(text, position)) {
+            return false;
+        }
+    }
+    *this = hash;
+    return true;
+}
+
+// Appends the character at the position, which may be of two units, and goes on behind it.
+inline bool KeyHash::appendUnit(std::u16string_view text, std::size_t& position) noexcept
+{
+    const auto tail = [](std::uint32_t bits) { return 0x80U | (bits & 0x3fU); };
+    const std::uint32_t unit = text[position++];
+    if (unit < 0x80) {
+        appendPacked(unit, 1);
+    } else if (unit < 0x800) {
+        appendPacked((0xc0U | unit >> 6) | tail(unit) << 8, 2);
+    } else if (unit < 0xd800 || unit > 0xdfff) {
+        appendPacked((0xe0U | unit >> 12) | tail(unit >> 6) << 8 | tail(unit) << 16, 3);
+    } else {
+        const std::uint32_t low = position < text.size() ? text[position] : 0U;
+        if (unit > 0xdbff || low < 0xdc00 || low > 0xdfff) {
+            return false;
+        }
+        ++position;
+        const std::uint32_t point = 0x10000U + ((unit - 0xd800U) << 10) + (low - 0xdc00U);
+        appendPacked(
+            (0xf0U | point >> 18) | tail(point >> 12) << 8 | tail(point >> 6) << 16 | tail(point) << 24, 4);
+    }
+    return true;
+}
+
+// ---- keys ---------------------------------------------------------------------------------------
+
+ModelKeyPrefix::ModelKeyPrefix(const std::u16string& modelName) noexcept
+{
+    if (!modelName.empty()) {
+        m_isUsable = m_hash.appendWellFormed(modelName);
+        m_hash.append("/");
+    }
+}
+
+namespace {
+
+std::size_t nonCachedKey(KeyHash hash, const std::u16string& blockPath, const std::u16string& subPath,
+                         int outputPortIndex, int logicalPortIndex)
+{
+    appendText(hash, blockPath);
+    hash.append(componentSeparator);
+    appendText(hash, subPath);
+    hash.append(componentSeparator);
+    hash.append(NumberText::decimal(logicalPortIndex >= 1 ? logicalPortIndex : outputPortIndex).view());
+    return hash.value();
+}
+
+}  // namespace
+
+std::size_t nonCachedKey(const ModelKeyPrefix& prefix, const std::u16string& blockPath,
+                         const std::u16string& subPath, int outputPortIndex, int logicalPortIndex)
+{
+    return nonCachedKey(prefix.hash(), blockPath, subPath, outputPortIndex, logicalPortIndex);
+}
 
 std::size_t SignalSpecification::getSourceKeyCached() const
 {
@@ -56,29 +148,33 @@ std::size_t SignalSpecification::getSourceKeyNonCached(const std::u16string& mod
 
 std::size_t SignalSpecification::getCachedInfoHash(double blockHandle, int portIndex)
 {
-    KeyText text;
-    text << NumberText::significant17(blockHandle).view() << componentSeparator
-         << NumberText::decimal(portIndex).view();
-    return text.hash();
+    KeyHash hash;
+    hash.append(NumberText::significant17(blockHandle).view());
+    hash.append(componentSeparator);
+    hash.append(NumberText::decimal(portIndex).view());
+    return hash.value();
 }
 
 std::size_t SignalSpecification::getNonCachedInfoHash(const std::u16string& blockPath,
                                                       const std::u16string& subPath, int outputPortIndex,
                                                       int logicalPortIndex, const std::u16string& modelName)
 {
-    KeyText text;
+    KeyHash hash;
     if (!modelName.empty()) {
-        text << toUtf8(modelName) << "/";
+        appendText(hash, modelName);
+        hash.append("/");
     }
-    const int port = logicalPortIndex >= 1 ? logicalPortIndex : outputPortIndex;
-    text << toUtf8(blockPath) << componentSeparator << toUtf8(subPath) << componentSeparator
-         << NumberText::decimal(port).view();
-    return text.hash();
+    return nonCachedKey(hash, blockPath, subPath, outputPortIndex, logicalPortIndex);
 }
 
 std::size_t SignalSpecification::getInfoHashFromStringList(std::list<std::string> parts)
 {
-    return hashOf(std::accumulate(parts.begin(), parts.end(), std::string()));
+    return std::accumulate(parts.begin(), parts.end(), KeyHash(),
+                           [](KeyHash hash, const std::string& part) {
+                               hash.append(part);
+                               return hash;
+                           })
+        .value();
 }
 
 }  // namespace zm_hmi
