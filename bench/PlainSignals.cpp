@@ -2,8 +2,11 @@
 
 #include "host/Text.hpp"
 
+#include <boost/container_hash/hash.hpp>
 #include <boost/lexical_cast.hpp>
 #include <boost/make_shared.hpp>
+
+#include <algorithm>
 
 namespace bench {
 
@@ -12,35 +15,61 @@ using zm_hmi::SignalSpecificationPtr;
 
 namespace {
 
-std::string cachedKey(double blockHandle, int portNumber)
-{
-    return boost::lexical_cast<std::string>(blockHandle) + "$$" +
-           boost::lexical_cast<std::string>(portNumber);
-}
-
-std::string pathKey(const std::u16string& modelName, const std::u16string& blockPath,
-                    const std::u16string& subPath, int port)
-{
-    return toUtf8(modelName) + "/" + toUtf8(blockPath) + "$$" + toUtf8(subPath) + "$$" +
-           boost::lexical_cast<std::string>(port);
-}
-
 int keyPort(int outputPortIndex, int logicalPortIndex)
 {
     return logicalPortIndex >= 1 ? logicalPortIndex : outputPortIndex;
 }
 
+bool isChart(const SignalSpecification& signal)
+{
+    const std::u16string& domain = signal.getDomainType();
+    return domain == u"kw_state" || domain == u"kw_chart" || domain == u"kw_data";
+}
+
+bool areCounterparts(const SignalSpecification& one, const SignalSpecification& other)
+{
+    if (one.getZID() != other.getZID()) {
+        return false;
+    }
+    const std::u16string kzid = one.getValueForDomainParams(u"KZID");
+    const std::u16string otherKzid = other.getValueForDomainParams(u"KZID");
+    if (kzid == u"0" && otherKzid == u"0") {
+        return one.getValueForDomainParams(u"Activity") == other.getValueForDomainParams(u"Activity");
+    }
+    return kzid == otherKzid;
+}
+
 }  // namespace
 
-void PlainSignals::add(const SignalSpecificationPtr& signal)
+std::size_t PlainSignals::cachedKey(double blockHandle, int portNumber)
 {
-    m_signals.push_back(signal);
+    return boost::hash<std::string>()(boost::lexical_cast<std::string>(blockHandle) + "$$" +
+                                      boost::lexical_cast<std::string>(portNumber));
+}
+
+std::size_t PlainSignals::pathKey(const std::u16string& modelName, const std::u16string& blockPath,
+                                  const std::u16string& subPath, int port)
+{
+    return boost::hash<std::string>()(toUtf8(modelName) + "/" + toUtf8(blockPath) + "$$" + toUtf8(subPath) +
+                                      "$$" + boost::lexical_cast<std::string>(port));
+}
+
+void PlainSignals::enter(const SignalSpecificationPtr& signal)
+{
     m_observedPorts.emplace(pathKey(m_modelName, signal->getBlockPath(), signal->getSubPath(),
                                     keyPort(signal->getOutputPortIndex(), signal->getLogicalPortIndex())),
                             signal);
     if (signal->getCachedPortIdx() != 0) {
         m_observedPorts.emplace(cachedKey(signal->getCachedBlockHandle(), signal->getCachedPortIdx()),
                                 signal);
+    }
+}
+
+void PlainSignals::add(const SignalSpecificationPtr& signal)
+{
+    m_signals.push_back(signal);
+    if (!isChart(*signal)) {
+        enter(signal);
     }
 }
 
@@ -51,16 +80,21 @@ void PlainSignals::load(const nvArray* persisted)
     }
 }
 
+void PlainSignals::updateObservedPortMap()
+{
+    m_observedPorts.clear();
+    for (const SignalSpecificationPtr& signal : m_signals) {
+        enter(signal);
+    }
+}
+
 bool PlainSignals::isPortObserved(double blockHandle, int portNumber) const
 {
     const auto [begin, end] = m_observedPorts.equal_range(cachedKey(blockHandle, portNumber));
-    for (auto entry = begin; entry != end; ++entry) {
-        if (entry->second->getCachedPortIdx() == portNumber &&
-            entry->second->getCachedBlockHandle() == blockHandle) {
-            return true;
-        }
-    }
-    return false;
+    return std::any_of(begin, end, [&](const auto& entry) {
+        return entry.second->getCachedPortIdx() == portNumber &&
+               entry.second->getCachedBlockHandle() == blockHandle;
+    });
 }
 
 bool PlainSignals::isPortObserved(double blockHandle, const std::u16string& blockPath,
@@ -72,13 +106,26 @@ bool PlainSignals::isPortObserved(double blockHandle, const std::u16string& bloc
     }
     const auto [begin, end] = m_observedPorts.equal_range(
         pathKey(m_modelName, blockPath, subPath, keyPort(outputPortIndex, logicalPortIndex)));
-    for (auto entry = begin; entry != end; ++entry) {
-        if (entry->second->getOutputPortIndex() == outputPortIndex &&
-            entry->second->getBlockPath() == blockPath) {
-            return true;
+    return std::any_of(begin, end, [&](const auto& entry) {
+        return entry.second->getOutputPortIndex() == outputPortIndex &&
+               entry.second->getBlockPath() == blockPath;
+    });
+}
+
+std::vector<SignalSpecificationPtr> PlainSignals::setDifference(const PlainSignals& other,
+                                                                std::size_t stride) const
+{
+    std::vector<SignalSpecificationPtr> difference;
+    for (std::size_t i = 0; i < m_signals.size(); i += stride) {
+        const SignalSpecificationPtr& signal = m_signals[i];
+        if (isChart(*signal) &&
+            std::none_of(other.m_signals.begin(), other.m_signals.end(), [&](const auto& counterpart) {
+                return isChart(*counterpart) && areCounterparts(*signal, *counterpart);
+            })) {
+            difference.push_back(signal);
         }
     }
-    return false;
+    return difference;
 }
 
 }  // namespace bench

@@ -4,9 +4,31 @@
 
 namespace bench {
 
+namespace {
+
+void printTime(const std::map<std::string, double>& times, const char* variant)
+{
+    const auto time = times.find(variant);
+    time == times.end() ? std::printf(" %12s", "") : std::printf(" %12.1f", time->second);
+}
+
+void printRatio(const std::map<std::string, double>& times, const char* dividend, const char* divisor)
+{
+    const auto upper = times.find(dividend);
+    const auto lower = times.find(divisor);
+    if (upper == times.end() || lower == times.end()) {
+        std::printf(" %11s", "");
+    } else {
+        std::printf(" %11.2f", upper->second / lower->second);
+    }
+}
+
+}  // namespace
+
 bool RatioTable::ReportContext(const Context& /*context*/)
 {
-    std::printf("%-28s %9s %12s %12s %8s\n", "nanoseconds a signal", "signals", "ours", "plain", "ratio");
+    std::printf("%-22s %8s %12s %12s %12s %11s %11s\n", "nanoseconds a signal", "signals", "ours", "plain",
+                "floor", "plain/ours", "ours/floor");
     return true;
 }
 
@@ -16,27 +38,29 @@ void RatioTable::ReportRuns(const std::vector<Run>& runs)
         if (run.error_occurred || run.run_type != Run::RT_Iteration) {
             continue;
         }
-        // "work/variant/size", perhaps followed by options
-        const std::string name = run.run_name.function_name;
+        const std::string name = run.run_name.function_name;  // "work/variant"
         const std::size_t slash = name.find('/');
         const Key key{name.substr(0, slash), std::stol(run.run_name.args)};
         if (!m_rows.contains(key)) {
             m_order.push_back(key);
         }
-        Row& row = m_rows[key];
         const auto items = run.counters.find("signals");
-        const double perSignal =
+        m_rows[key][name.substr(slash + 1)] =
             run.GetAdjustedRealTime() / (items == run.counters.end() ? 1.0 : items->second.value);
-        (name.substr(slash + 1) == "ours" ? row.ours : row.plain) = perSignal;
     }
 }
 
 void RatioTable::Finalize()
 {
     for (const Key& key : m_order) {
-        const Row& row = m_rows[key];
-        std::printf("%-28s %9ld %12.1f %12.1f %8.2f\n", key.first.c_str(), key.second, row.ours, row.plain,
-                    row.plain > 0.0 ? row.ours / row.plain : 0.0);
+        const Times& times = m_rows[key];
+        std::printf("%-22s %8ld", key.first.c_str(), key.second);
+        printTime(times, "ours");
+        printTime(times, "plain");
+        printTime(times, "floor");
+        printRatio(times, "plain", "ours");
+        printRatio(times, "ours", "floor");
+        std::printf("\n");
     }
 }
 

@@ -10,8 +10,9 @@
 
 namespace bench {
 
-/// Prints what was measured as a table with a row for each work and size: ours, the plain way of the same
-/// run beside it, and their ratio. Benchmarks are named "work/ours/size" and "work/plain/size".
+/// Prints a table with a row for each work and size: the times of ours, of the plain way and of the floor,
+/// how many times faster ours is than the plain way, and how many times the floor it takes. Benchmarks are
+/// named "work/variant/size"; the time is per signal where the counter "signals" tells how many there are.
 class RatioTable : public benchmark::BenchmarkReporter {
 public:
     bool ReportContext(const Context& context) override;
@@ -19,13 +20,10 @@ public:
     void Finalize() override;
 
 private:
-    struct Row {
-        double ours = 0.0;
-        double plain = 0.0;
-    };
     using Key = std::pair<std::string, long>;
+    using Times = std::map<std::string, double>;  // by variant
     std::vector<Key> m_order;
-    std::map<Key, Row> m_rows;
+    std::map<Key, Times> m_rows;
 };
 
 }  // namespace bench
