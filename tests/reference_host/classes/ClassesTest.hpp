@@ -1,11 +1,11 @@
 #ifndef ZM_TESTS_REFERENCE_HOST_CLASSES_CLASSES_TEST_HPP
 #define ZM_TESTS_REFERENCE_HOST_CLASSES_CLASSES_TEST_HPP
 
+#include "contract/TestClasses.hpp"
 #include "host/Exceptions.hpp"
 #include "reference_host/classes/ClassObjects.hpp"
 #include "reference_host/classes/ClassSystem.hpp"
 #include "reference_host/support/Ledger.hpp"
-#include "tests/reference_host/classes/TestClasses.hpp"
 #include "tests/support/HostTest.hpp"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
-#ifndef ZM_TESTS_REFERENCE_HOST_CLASSES_TEST_CLASSES_HPP
-#define ZM_TESTS_REFERENCE_HOST_CLASSES_TEST_CLASSES_HPP
+#ifndef ZM_CONTRACT_TEST_CLASSES_HPP
+#define ZM_CONTRACT_TEST_CLASSES_HPP
 
 #include "host/ClassDescriptors.hpp"
 #include "host/Memory.hpp"

@@ -1,4 +1,4 @@
-#include "tests/reference_host/classes/TestClasses.hpp"
+#include "contract/TestClasses.hpp"
 
 #include <utility>
 
