@@ -10,6 +10,7 @@ import pathlib
 import sys
 
 import host_interface
+import skeleton
 
 
 def operations_list(operations: list[host_interface.Operation]) -> str:
@@ -19,7 +20,7 @@ def operations_list(operations: list[host_interface.Operation]) -> str:
 
 def files(folder: pathlib.Path) -> dict[str, str]:
     operations = host_interface.read(folder)
-    return {"contract/Operations.inc": operations_list(operations)}
+    return {"contract/Operations.inc": operations_list(operations), **skeleton.files(operations, folder)}
 
 
 def main(folder: str, *options: str) -> int:
