@@ -44,7 +44,7 @@ void bindLedger(py::module_& module)
              "One line for each thing that was opened after this moment and is open still.");
     module.def("ledger_snapshot", &Ledger::snapshot);
     module.def("ledger_report", &Ledger::report);
-    module.def("live_values", &Ledger::liveValues);
+    module.def("live_values", &liveValues);
     module.def("misuses", &Ledger::misuses);
 }
 

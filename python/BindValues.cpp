@@ -2,9 +2,9 @@
 #include "python/Conversion.hpp"
 #include "python/ValueHandle.hpp"
 #include "reference_host/classes/ClassObjects.hpp"
-#include "reference_host/support/HostErrors.hpp"
+#include "reference_host/support/ErrorCatalog.hpp"
+#include "reference_host/values/Value.hpp"
 #include "reference_host/values/ValueContainers.hpp"
-#include "reference_host/values/ValueDescription.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"
 

@@ -1,10 +1,10 @@
 #include "host/Array.hpp"
 
 #include "reference_host/calls/BoundaryCall.hpp"
-#include "reference_host/support/HostErrors.hpp"
+#include "reference_host/support/ErrorCatalog.hpp"
 #include "reference_host/support/Ledger.hpp"
+#include "reference_host/values/Value.hpp"
 #include "reference_host/values/ValueContainers.hpp"
-#include "reference_host/values/ValueDescription.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"
 
@@ -15,16 +15,15 @@ using namespace reference_host;
 
 namespace {
 
-/// A test cannot fail. Of a value that has ended it knows nothing: the ledger hears of it, and the test
-/// answers as for null.
+/// For predicates, which cannot fail: a destroyed value is recorded as a misuse and treated as null.
 const nvArray* unlessDead(const nvArray* value) noexcept
 {
     if (value == nullptr || value->ownership != Ownership::Dead) {
         return value;
     }
     try {
-        Ledger::recordMisuse(std::string(CallSite::current().operationName()) + ": looks at " +
-                             describeWithSerial(value));
+        Ledger::recordMisuse(CallSite::current().operationName() +
+                             (": looks at " + describeWithSerial(value)));
     } catch (const std::exception&) {
         Ledger::recordMisuse({});
     }

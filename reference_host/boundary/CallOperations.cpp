@@ -3,7 +3,7 @@
 #include "reference_host/calls/BoundaryCall.hpp"
 #include "reference_host/calls/Diagnostic.hpp"
 #include "reference_host/calls/HostFunctions.hpp"
-#include "reference_host/support/HostErrors.hpp"
+#include "reference_host/support/ErrorCatalog.hpp"
 #include "reference_host/values/ValueContainers.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 

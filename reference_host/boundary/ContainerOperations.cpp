@@ -1,8 +1,7 @@
 #include "host/Containers.hpp"
 
 #include "reference_host/calls/BoundaryCall.hpp"
-#include "reference_host/support/HostErrors.hpp"
-#include "reference_host/values/Payload.hpp"
+#include "reference_host/support/ErrorCatalog.hpp"
 #include "reference_host/values/ValueContainers.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 

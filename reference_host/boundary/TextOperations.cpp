@@ -1,7 +1,7 @@
 #include "host/Text.hpp"
 
 #include "reference_host/calls/BoundaryCall.hpp"
-#include "reference_host/support/HostErrors.hpp"
+#include "reference_host/support/ErrorCatalog.hpp"
 #include "reference_host/support/TextConversion.hpp"
 
 #include <filesystem>

@@ -1,14 +1,13 @@
 #include "reference_host/calls/BoundaryCall.hpp"
 
-#include "reference_host/calls/BoundaryWatch.hpp"
-#include "reference_host/support/HostErrors.hpp"
+#include "reference_host/calls/Journal.hpp"
+#include "reference_host/support/ErrorCatalog.hpp"
 
-#include <mutex>
 #include <utility>
 
 namespace reference_host {
 
-std::atomic<bool> BoundaryCall::s_watched{false};
+std::atomic<unsigned> BoundaryWatch::s_watchers{0};
 
 void BoundaryCall::begin(std::vector<std::string> arguments)
 {
@@ -47,7 +46,7 @@ void BoundaryCall::strikeWatched()
     const bool isNoThrowCall = m_operation.canFail == CanFail::HostCallNoThrow;
     if (m_operation.canFail == CanFail::Null || strike.kind == FaultKind::Null) {
         m_fault = Fault::Null;
-        note("null, as the fault wants");
+        note("null, because of a fault");
     } else if (strike.kind == FaultKind::OutOfMemory) {
         throw zmsvOutOfMemoryException();
     } else if (isNoThrowCall) {
@@ -55,33 +54,6 @@ void BoundaryCall::strikeWatched()
     } else {
         throwHostError("InjectedFault");
     }
-}
-
-namespace {
-
-std::mutex& watchMutex()
-{
-    static std::mutex& mutex = *new std::mutex;
-    return mutex;
-}
-
-bool journalWatches = false;
-bool faultsWatch = false;
-
-}  // namespace
-
-void BoundaryWatch::watchForJournal(bool watch)
-{
-    const std::lock_guard lock(watchMutex());
-    journalWatches = watch;
-    BoundaryCall::s_watched = journalWatches || faultsWatch;
-}
-
-void BoundaryWatch::watchForFaults(bool watch)
-{
-    const std::lock_guard lock(watchMutex());
-    faultsWatch = watch;
-    BoundaryCall::s_watched = journalWatches || faultsWatch;
 }
 
 }  // namespace reference_host

@@ -3,11 +3,11 @@
 
 #include "host/Exceptions.hpp"
 #include "reference_host/Export.hpp"
+#include "reference_host/calls/BoundaryWatch.hpp"
 #include "reference_host/calls/CallArguments.hpp"
 #include "reference_host/calls/Faults.hpp"
 #include "reference_host/support/CallSite.hpp"
 
-#include <atomic>
 #include <cstdint>
 #include <exception>
 #include <new>
@@ -18,8 +18,8 @@
 
 namespace reference_host {
 
-/// A boundary operation: its name, how it can be made to fail, and the code that called it, which is
-/// filled in by itself. To be written within the exported function.
+/// A boundary operation: its name, how it can be made to fail, and the address of its caller, which the
+/// default argument fills in. REQUIRES: constructed within the exported function.
 struct Operation {
     // Not explicit: written as {"name", CanFail::Never} wherever an operation begins.
     Operation(const char* operationName, CanFail howItCanFail = CanFail::Throwing,
@@ -39,20 +39,20 @@ struct OpenCall;
 ///
 ///     return BoundaryCall({"nvGetScalar"}, value).run([&] { return scalar(value); });
 ///
-/// It names the operation for errors and for what is made inside, writes the journal, and is where a
-/// fault strikes. When nobody watches, it costs next to nothing.
+/// It names the operation in errors and as the maker of values, writes the journal, and lets faults strike.
+/// It costs little unless a journal or a fault watches.
 class ZM_REFHOST_API BoundaryCall {
 public:
-    /// The arguments are for the journal, in the order in which a reader wants them.
+    /// The arguments are for the journal.
     template <class... Arguments>
     explicit BoundaryCall(const Operation& operation, const Arguments&... arguments)
         : m_operation(operation), m_outer(CallSite::enter({operation.name, operation.caller}))
     {
-        if (isWatched()) {
+        if (BoundaryWatch::isOn()) {
             try {
                 begin({describeArgument(arguments)...});
             } catch (const std::exception&) {
-                m_openCall = nullptr;  // a journal without this call is better than a failing host
+                m_openCall = nullptr;  // the journal misses this call, but the call itself succeeds
             }
         }
     }
@@ -66,8 +66,8 @@ public:
         CallSite::leave(m_outer);
     }
 
-    /// Lets the waiting fault strike, or runs the body and hands on its result. The standard library's
-    /// memory errors become the host's.
+    /// Lets an armed fault strike, or runs the body and returns its result. The standard library's memory
+    /// errors are converted to the host's.
     template <class Body>
     auto run(Body&& body) -> std::invoke_result_t<Body&>
     {
@@ -93,12 +93,12 @@ public:
         return answerOf(body);
     }
 
-    /// What the fault that struck wants of an operation that fails in its own way. A pointer that is
-    /// to be null is seen to by `run`.
+    /// The fault that struck, for an operation that fails in its own way. `run` itself returns null for a
+    /// pointer that is to be null.
     enum class Fault : std::uint8_t { None, Null, Diagnostic };
     Fault fault() const noexcept { return m_fault; }
 
-    /// Notes a result for the journal; the first one stays. `run` does it for what the body returns.
+    /// Notes a result for the journal; only the first one counts. `run` notes the result of the body.
     template <class Result>
     void note(const Result& result) noexcept
     {
@@ -112,10 +112,6 @@ public:
     }
 
 private:
-    friend struct BoundaryWatch;
-
-    static bool isWatched() noexcept { return s_watched.load(std::memory_order_relaxed); }
-
     template <class Body>
     auto answerOf(Body&& body) -> std::invoke_result_t<Body&>
     {
@@ -141,7 +137,7 @@ private:
 
     void strike()
     {
-        if (isWatched()) {
+        if (BoundaryWatch::isOn()) {
             strikeWatched();
         }
     }
@@ -150,8 +146,6 @@ private:
     void end() noexcept;
     void failed(const char* what) noexcept;
     void noteText(std::string text) noexcept;
-
-    static std::atomic<bool> s_watched;
 
     Operation m_operation;
     CallSite m_outer;

@@ -4,7 +4,7 @@
 #include "reference_host/support/MessageCatalog.hpp"
 #include "reference_host/support/QuotedText.hpp"
 #include "reference_host/support/TextConversion.hpp"
-#include "reference_host/values/ValueDescription.hpp"
+#include "reference_host/values/Value.hpp"
 
 namespace reference_host {
 

@@ -1,16 +1,10 @@
 #include "reference_host/calls/Diagnostic.hpp"
 
-#include "reference_host/calls/BoundaryCall.hpp"
-#include "reference_host/calls/Warnings.hpp"
-#include "reference_host/support/HostErrors.hpp"
+#include "reference_host/support/ErrorCatalog.hpp"
 #include "reference_host/support/Ledger.hpp"
-#include "reference_host/support/MessageCatalog.hpp"
 #include "reference_host/support/QuotedText.hpp"
 
-#include <exception>
 #include <utility>
-
-using namespace reference_host;
 
 namespace reference_host {
 
@@ -41,27 +35,24 @@ std::optional<DiagnosticMessage> endDiagnostic(zmsvDiagnostic* diagnostic) noexc
 
 namespace {
 
-DiagnosticMessage hostMessage(const char* key, std::string argument)
+DiagnosticMessage hostMessage(const char* key, MessageArguments arguments = {})
 {
-    zmsvMessageId id(hostCatalog, key,
-                     {std::string(CallSite::current().operationName()), std::move(argument)});
-    std::string text = MessageCatalog::text(id);
-    return {std::move(id), std::move(text)};
+    const zmsvException error = hostError(key, std::move(arguments));
+    return {error.id(), error.what()};
 }
 
-/// Ends a diagnostic where nothing may be thrown: one that has ended already goes to the ledger.
-std::optional<DiagnosticMessage> endQuietly(zmsvDiagnostic* diagnostic) noexcept
+std::vector<std::string> listOpenDiagnostics(std::uint64_t after)
 {
-    std::optional<DiagnosticMessage> message = endDiagnostic(diagnostic);
-    if (!message && diagnostic != nullptr) {
-        try {
-            throwMisuse("DiagnosticHasEnded");
-        } catch (const std::exception&) {
-            return std::nullopt;  // recorded
-        }
+    std::vector<std::string> lines;
+    const zmsvDiagnostic* diagnostic = liveDiagnosticRegistry().newest();
+    for (; diagnostic != nullptr && diagnostic->serial > after; diagnostic = diagnostic->previous) {
+        lines.push_back(describeDiagnostic(diagnostic) + ", made by " + describeCallSite(diagnostic->madeBy));
     }
-    return message;
+    return lines;
 }
+
+[[maybe_unused]] const bool isInLedger = Ledger::addAccount(
+    "diagnostics", {[] { return liveDiagnosticRegistry().lastSerial(); }, listOpenDiagnostics, nullptr});
 
 }  // namespace
 
@@ -78,7 +69,7 @@ DiagnosticMessage messageInFlight()
     } catch (const std::exception& error) {
         return hostMessage("Exception", error.what());
     } catch (...) {
-        return hostMessage("UnknownException", {});
+        return hostMessage("UnknownException");
     }
 }
 
@@ -97,51 +88,3 @@ std::string describeDiagnostic(const zmsvDiagnostic* diagnostic)
 }
 
 }  // namespace reference_host
-
-zmsvDiagnostic* zmsvCreateDiagnostic(const zmsvMessageId& id, const std::string& text)
-{
-    return BoundaryCall({"zmsvCreateDiagnostic"}, id, text).run([&] {
-        return openDiagnostic({id, text.empty() ? MessageCatalog::text(id) : text});
-    });
-}
-
-zmsvDiagnostic* zmsvCreateDiagnosticFromCatchClause()
-{
-    return BoundaryCall(Operation{"zmsvCreateDiagnosticFromCatchClause"}).run([] {
-        if (!std::current_exception()) {
-            throwHostError("NothingInFlight");
-        }
-        return openDiagnostic(messageInFlight());
-    });
-}
-
-// It throws on success as on failure, so a caller cannot tell them apart: the diagnostic ends in both.
-void zmsvThrowIExceptionFromDiagnostic(zmsvDiagnostic* diagnostic, const char* context)
-{
-    BoundaryCall call({"zmsvThrowIExceptionFromDiagnostic"}, diagnostic, context);
-    std::optional<DiagnosticMessage> message = endDiagnostic(diagnostic);
-    call.run([&] {
-        requirePointer(diagnostic);
-        if (!message) {
-            throwMisuse("DiagnosticHasEnded");
-        }
-        const std::string prefix = context != nullptr ? std::string(context) + ": " : std::string();
-        throw zmsvException(std::move(message->id), prefix + message->text);
-    });
-}
-
-void zmsvReportAsWarning(zmsvDiagnostic* diagnostic) noexcept
-{
-    BoundaryCall call({"zmsvReportAsWarning", CanFail::Never}, diagnostic);
-    call.runNoThrow([&] {
-        if (std::optional<DiagnosticMessage> message = endQuietly(diagnostic)) {
-            Warnings::report({std::move(message->id), std::move(message->text)});
-        }
-    });
-}
-
-void zmsvDiscardDiagnostic(zmsvDiagnostic* diagnostic) noexcept
-{
-    BoundaryCall call({"zmsvDiscardDiagnostic", CanFail::Never}, diagnostic);
-    call.runNoThrow([&] { endQuietly(diagnostic); });
-}

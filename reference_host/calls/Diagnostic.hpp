@@ -11,7 +11,7 @@
 
 namespace reference_host {
 
-/// What a diagnostic carries.
+/// The message of a diagnostic or a warning.
 struct DiagnosticMessage {
     zmsvMessageId id;
     std::string text;
@@ -19,8 +19,8 @@ struct DiagnosticMessage {
 
 }  // namespace reference_host
 
-/// A message on its way to the user. Its memory is kept after its end, so that a handle that is used
-/// again is recognised.
+/// A message on its way to the user. Its memory is kept after it has ended, so that a stale handle is
+/// recognised.
 struct zmsvDiagnostic {
     std::optional<reference_host::DiagnosticMessage> message;  ///< none once it has ended
     std::uint64_t serial = 0;
@@ -35,7 +35,7 @@ LiveRegistry<zmsvDiagnostic>& liveDiagnosticRegistry();
 
 zmsvDiagnostic* openDiagnostic(DiagnosticMessage message);
 
-/// Ends a diagnostic and hands out what it carried; none when it had ended before or is null.
+/// Ends a diagnostic and returns its message; none when it had ended before or is null.
 std::optional<DiagnosticMessage> endDiagnostic(zmsvDiagnostic* diagnostic) noexcept;
 
 /// The message of the exception in flight; to be called inside a catch clause.

@@ -42,6 +42,13 @@ public:
     static bool hasFired();
 };
 
+/// For `BoundaryCall`: whether the armed fault strikes this call, and how.
+struct Strike {
+    bool strikes = false;
+    FaultKind kind = FaultKind::Null;
+};
+Strike nextStrike(const char* operation, CanFail canFail);
+
 }  // namespace reference_host
 
 #endif

@@ -1,6 +1,6 @@
 #include "reference_host/calls/HostFunctions.hpp"
 
-#include "reference_host/support/HostErrors.hpp"
+#include "reference_host/support/ErrorCatalog.hpp"
 
 #include <map>
 #include <utility>

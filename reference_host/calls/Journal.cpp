@@ -3,6 +3,7 @@
 #include "reference_host/calls/BoundaryWatch.hpp"
 
 #include <algorithm>
+#include <memory>
 #include <mutex>
 #include <ostream>
 #include <utility>

@@ -4,6 +4,7 @@
 #include "reference_host/Export.hpp"
 
 #include <cstddef>
+#include <cstdint>
 #include <iosfwd>
 #include <string>
 #include <vector>
@@ -21,14 +22,14 @@ struct ZM_REFHOST_API JournalEntry {
     std::string text() const;
 };
 
-/// The operations that crossed the boundary, in the order of their beginning. Off unless asked for.
+/// The operations that crossed the boundary, in the order in which they began. Off by default.
 class ZM_REFHOST_API Journal {
 public:
-    /// Keeps entries from now on, from none.
+    /// Forgets earlier entries and keeps new ones.
     static void startRecording();
     static void stopRecording();
 
-    /// What was kept, also after the recording ended.
+    /// The kept entries, also after the recording stopped.
     static std::vector<JournalEntry> entries();
 
     /// How often the operation was called while recording.
@@ -36,10 +37,24 @@ public:
 
     static void clear();
 
-    /// Writes every operation as a line, indented by its depth, from now on; null ends it. What
-    /// `--log-host-calls` does with standard error. The stream must outlive the streaming.
+    /// Writes every further operation as a line, indented by its depth; null stops. Behind the option
+    /// `--log-host-calls`. REQUIRES: the stream outlives the streaming.
     static void streamTo(std::ostream* stream);
 };
+
+// For `BoundaryCall`.
+
+/// A call in progress that the journal follows. Each thread has a stack of them.
+struct OpenCall {
+    JournalEntry entry;
+    OpenCall* outer = nullptr;
+    std::uint64_t place = 0;     ///< of its entry, counted over the whole process; 0 if it was not recorded
+    bool isLineWritten = false;  ///< an inner call made the stream write the line without its result
+};
+
+/// Null when the journal is off.
+OpenCall* beginJournalEntry(const char* operation, std::vector<std::string> arguments);
+void endJournalEntry(OpenCall* call) noexcept;
 
 }  // namespace reference_host
 

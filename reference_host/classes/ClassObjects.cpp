@@ -5,7 +5,7 @@
 #include "reference_host/classes/Instance.hpp"
 #include "reference_host/classes/MethodCall.hpp"
 #include "reference_host/classes/Types.hpp"
-#include "reference_host/values/ValueDescription.hpp"
+#include "reference_host/values/Value.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"
 

@@ -6,8 +6,8 @@
 #include "reference_host/classes/Types.hpp"
 #include "reference_host/classes/ValueConversion.hpp"
 #include "reference_host/support/ChangeCount.hpp"
-#include "reference_host/support/HostErrors.hpp"
-#include "reference_host/values/ValueDescription.hpp"
+#include "reference_host/support/ErrorCatalog.hpp"
+#include "reference_host/values/Value.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 
 #include <algorithm>

@@ -4,7 +4,7 @@
 #include "reference_host/classes/ClassObjects.hpp"
 #include "reference_host/classes/RecordClass.hpp"
 #include "reference_host/classes/StaticMethods.hpp"
-#include "reference_host/values/ValueDescription.hpp"
+#include "reference_host/values/Value.hpp"
 #include "reference_host/values/ValueReading.hpp"
 
 #include <string>

@@ -6,9 +6,8 @@
 #include "reference_host/classes/RegisteredClass.hpp"
 #include "reference_host/classes/Types.hpp"
 #include "reference_host/classes/ValueConversion.hpp"
-#include "reference_host/support/Ledger.hpp"
+#include "reference_host/values/Value.hpp"
 #include "reference_host/values/ValueContainers.hpp"
-#include "reference_host/values/ValueDescription.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"
 
@@ -203,7 +202,7 @@ public:
                 setField(values->get(), 0, property.name.c_str(), property.makeDefault());
             }
         }
-        Ledger::declareMeantToLive(values->get());  // lives and is counted with its instance
+        declareMeantToLive(values->get());  // lives and is counted with its instance
         records().insert(values.get());
         return values.release();
     }

@@ -8,16 +8,15 @@ namespace reference_host {
 
 namespace {
 
+/// Looked up at load, because the lookup may allocate and its user must not fail.
+LedgerCounter& descriptors = Ledger::counter("class descriptors");
+
 template <class Descriptor>
 void setDescriptorMeantToLive(const Descriptor& descriptor, bool isMeant) noexcept
 {
-    static LedgerCounter& counter = Ledger::counter("class descriptors");
-    counter.declareMeantToLive(isMeant ? 1 : -1);
-    // A library's descriptor begins where its block of the host's memory does; host code has other memory.
-    const auto block = openMemoryBlocks().find(dynamic_cast<const void*>(&descriptor));
-    if (block != openMemoryBlocks().end()) {
-        block->second.meantToLive = isMeant;
-    }
+    descriptors.declareMeantToLive(isMeant ? 1 : -1);
+    // A library's descriptor is at the start of its block; a descriptor of host code is not in a block.
+    setBlockMeantToLive(dynamic_cast<const void*>(&descriptor), isMeant);
 }
 
 }  // namespace

@@ -2,8 +2,8 @@
 
 #include "reference_host/calls/HostFunctions.hpp"
 #include "reference_host/classes/RecordClass.hpp"
+#include "reference_host/values/Value.hpp"
 #include "reference_host/values/ValueContainers.hpp"
-#include "reference_host/values/ValueDescription.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"
 

@@ -1,8 +1,8 @@
 #include "reference_host/classes/SignalSpecificationClass.hpp"
 
 #include "reference_host/classes/RecordClass.hpp"
+#include "reference_host/values/Value.hpp"
 #include "reference_host/values/ValueContainers.hpp"
-#include "reference_host/values/ValueDescription.hpp"
 #include "reference_host/values/ValueReading.hpp"
 
 #include <string>

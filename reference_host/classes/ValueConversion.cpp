@@ -1,7 +1,7 @@
 #include "reference_host/classes/ValueConversion.hpp"
 
 #include "reference_host/classes/Types.hpp"
-#include "reference_host/values/ValueDescription.hpp"
+#include "reference_host/values/Value.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"
 

@@ -1,83 +1,44 @@
 #include "reference_host/support/Ledger.hpp"
 
-#include "reference_host/calls/Diagnostic.hpp"
-#include "reference_host/support/MemoryBlocks.hpp"
-#include "reference_host/values/Payload.hpp"
-#include "reference_host/values/ValueDescription.hpp"
-#include "reference_host/values/ValueReading.hpp"
-
-#include <algorithm>
+#include <exception>
 #include <iostream>
-#include <utility>
 
 namespace reference_host {
 
 namespace {
 
+using Lines = std::vector<std::string>;
+
 struct LedgerState {
-    std::vector<std::string> misuses;
+    std::map<std::string, LedgerAccount> accounts;
     std::map<std::string, LedgerCounter> counters;
+    Lines misuses;
+    std::size_t misusesWithoutText = 0;
 };
 
-/// Never destroyed: libraries end what they hold while the process goes down.
+/// Never destroyed: libraries release what they own while the process ends.
 LedgerState& state()
 {
     static LedgerState& instance = *new LedgerState;
     return instance;
 }
 
-using Lines = std::vector<std::string>;
-
-bool isOpen(const nvArray* value)
+template <class Number>
+Number valueOr0(const std::map<std::string, Number>& numbers, const std::string& name)
 {
-    return value->ownership == Ownership::Owned && !value->meantToLive;
+    const auto found = numbers.find(name);
+    return found != numbers.end() ? found->second : 0;
 }
 
-/// The owned and undeclared values that are newer than a serial number, the oldest first.
-std::vector<const nvArray*> openValues(std::uint64_t after)
+void append(Lines& lines, const Lines& more)
 {
-    std::vector<const nvArray*> values;
-    for (const nvArray* value = liveValueRegistry().newest(); value != nullptr && value->serial > after;
-         value = value->previous) {
-        if (isOpen(value)) {
-            values.push_back(value);
-        }
-    }
-    std::reverse(values.begin(), values.end());
-    return values;
-}
-
-void listValues(std::uint64_t after, Lines& lines)
-{
-    for (const nvArray* value : openValues(after)) {
-        lines.push_back("value " + describeWithSerial(value) + ", made by " +
-                        describeCallSite(value->madeBy));
-    }
-}
-
-void listDiagnostics(std::uint64_t after, Lines& lines)
-{
-    const zmsvDiagnostic* diagnostic = liveDiagnosticRegistry().newest();
-    for (; diagnostic != nullptr && diagnostic->serial > after; diagnostic = diagnostic->previous) {
-        lines.push_back(describeDiagnostic(diagnostic) + ", made by " + describeCallSite(diagnostic->madeBy));
-    }
-}
-
-void listBlocks(std::uint64_t after, Lines& lines)
-{
-    for (const auto& [address, block] : openMemoryBlocks()) {
-        if (block.serial > after && !block.meantToLive) {
-            lines.push_back("block " + std::to_string(block.serial) + " of " + std::to_string(block.size) +
-                            " bytes, made by " + describeCallSite(block.madeBy));
-        }
-    }
+    lines.insert(lines.end(), more.begin(), more.end());
 }
 
 void listCounters(const std::map<std::string, std::int64_t>& before, Lines& lines)
 {
     for (const auto& [name, counter] : state().counters) {
-        const auto found = before.find(name);
-        const std::int64_t more = counter.undeclared() - (found != before.end() ? found->second : 0);
+        const std::int64_t more = counter.undeclared() - valueOr0(before, name);
         if (more > 0) {
             lines.push_back(std::to_string(more) + " " + name + " open");
         }
@@ -86,46 +47,42 @@ void listCounters(const std::map<std::string, std::int64_t>& before, Lines& line
 
 void listMisuses(std::size_t after, Lines& lines)
 {
-    const Lines& misuses = state().misuses;
-    for (std::size_t i = after; i < misuses.size(); ++i) {
-        lines.push_back("misuse: " + misuses[i]);
+    for (std::size_t i = after; i < state().misuses.size(); ++i) {
+        lines.push_back("misuse: " + state().misuses[i]);
     }
-}
-
-std::string valuesByClassAndPlace()
-{
-    std::map<std::pair<std::string, std::string>, std::size_t> counts;
-    for (const nvArray* value : openValues(0)) {
-        ++counts[{className(value), describeCallSite(value->madeBy)}];
+    if (state().misusesWithoutText > 0) {
+        lines.push_back(std::to_string(state().misusesWithoutText) +
+                        " misuses that were not recorded because memory was short");
     }
-    std::string text;
-    for (const auto& [key, count] : counts) {
-        text += "  " + std::to_string(count) + " " + key.first + ", made by " + key.second + "\n";
-    }
-    return text;
 }
 
 }  // namespace
 
+bool Ledger::addAccount(const char* name, LedgerAccount account)
+{
+    state().accounts.insert_or_assign(name, account);
+    return true;
+}
+
 Ledger::Snapshot Ledger::snapshot()
 {
     Snapshot result;
-    result.lastValue = liveValueRegistry().lastSerial();
-    result.lastDiagnostic = liveDiagnosticRegistry().lastSerial();
-    result.lastBlock = lastMemoryBlock();
-    result.misuses = state().misuses.size();
+    for (const auto& [name, account] : state().accounts) {
+        result.lastSerials[name] = account.lastSerial();
+    }
     for (const auto& [name, counter] : state().counters) {
         result.counters[name] = counter.undeclared();
     }
+    result.misuses = state().misuses.size();
     return result;
 }
 
 std::vector<std::string> Ledger::openSince(const Snapshot& snapshot)
 {
     Lines lines;
-    listValues(snapshot.lastValue, lines);
-    listDiagnostics(snapshot.lastDiagnostic, lines);
-    listBlocks(snapshot.lastBlock, lines);
+    for (const auto& [name, account] : state().accounts) {
+        append(lines, account.listOpen(valueOr0(snapshot.lastSerials, name)));
+    }
     listCounters(snapshot.counters, lines);
     listMisuses(snapshot.misuses, lines);
     return lines;
@@ -133,32 +90,21 @@ std::vector<std::string> Ledger::openSince(const Snapshot& snapshot)
 
 std::string Ledger::report()
 {
-    Lines rest;
-    listDiagnostics(0, rest);
-    listBlocks(0, rest);
-    listCounters({}, rest);
-    listMisuses(0, rest);
-    const std::size_t values = liveValues();
-    if (values == 0 && rest.empty()) {
-        return "nothing is open\n";
+    Lines lines;
+    for (const auto& [name, account] : state().accounts) {
+        if (account.summary == nullptr) {
+            append(lines, account.listOpen(0));
+        } else if (const std::string summary = account.summary(); !summary.empty()) {
+            lines.insert(lines.begin(), summary);
+        }
     }
-    std::string text =
-        std::to_string(values) + (values == 1 ? " live value\n" : " live values\n") + valuesByClassAndPlace();
-    for (const std::string& line : rest) {
+    listCounters({}, lines);
+    listMisuses(0, lines);
+    std::string text;
+    for (const std::string& line : lines) {
         text += line + "\n";
     }
-    return text;
-}
-
-std::size_t Ledger::liveValues()
-{
-    return openValues(0).size();
-}
-
-void Ledger::declareMeantToLive(nvArray* value)
-{
-    requireAlive(value);
-    value->meantToLive = true;
+    return text.empty() ? "nothing is open\n" : text;
 }
 
 LedgerCounter& Ledger::counter(const std::string& name)
@@ -166,9 +112,13 @@ LedgerCounter& Ledger::counter(const std::string& name)
     return state().counters[name];
 }
 
-void Ledger::recordMisuse(std::string text) noexcept
+void Ledger::recordMisuse(std::string_view text) noexcept
 {
-    state().misuses.push_back(std::move(text));
+    try {
+        state().misuses.emplace_back(text);
+    } catch (const std::exception&) {
+        ++state().misusesWithoutText;
+    }
 }
 
 const std::vector<std::string>& Ledger::misuses()

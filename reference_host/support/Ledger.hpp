@@ -2,12 +2,12 @@
 #define ZM_REFERENCE_HOST_SUPPORT_LEDGER_HPP
 
 #include "reference_host/Export.hpp"
-#include "reference_host/values/Value.hpp"
 
 #include <cstddef>
 #include <cstdint>
 #include <map>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace reference_host {
@@ -28,38 +28,45 @@ private:
     std::int64_t m_declared = 0;
 };
 
-/// What is open and must end: values, diagnostics, blocks of memory, whatever other parts of the host
-/// count; and the misuses so far. Values that a container holds end with it and are not listed.
+/// Things of one sort that the ledger lists, such as values. The room that makes them adds the account.
+struct LedgerAccount {
+    std::uint64_t (*lastSerial)();  ///< of the newest thing; serial numbers grow
+
+    /// One line for each open and undeclared thing with a higher serial number.
+    std::vector<std::string> (*listOpen)(std::uint64_t after);
+
+    /// A paragraph of `Ledger::report`, or null for the lines of `listOpen`.
+    std::string (*summary)();
+};
+
+/// The host's record of what is open and must be closed: values, diagnostics, blocks of memory, and what
+/// other parts of the host count; and of the misuses so far. Main thread only.
 class ZM_REFHOST_API Ledger {
 public:
+    /// Adds an account. Always true, so that it can be called from the initialiser of a constant.
+    static bool addAccount(const char* name, LedgerAccount account);
+
     /// A moment to compare with.
     struct Snapshot {
-        std::uint64_t lastValue = 0;
-        std::uint64_t lastDiagnostic = 0;
-        std::uint64_t lastBlock = 0;
-        std::size_t misuses = 0;
+        std::map<std::string, std::uint64_t> lastSerials;
         std::map<std::string, std::int64_t> counters;
+        std::size_t misuses = 0;
     };
     static Snapshot snapshot();
 
-    /// One line for each thing that was opened after the snapshot and neither ended nor declared, the
-    /// misuses since then among them. None when the ledger is closed.
+    /// One line for each thing that was opened after the snapshot and is neither closed nor declared, and
+    /// for each misuse since then. Empty when the ledger is closed.
     static std::vector<std::string> openSince(const Snapshot& snapshot);
 
     /// A page to read: live values by class and place of creation, with counts, then the rest. "nothing is
     /// open" when the ledger is closed.
     static std::string report();
 
-    /// The number of undeclared owned values that are alive.
-    static std::size_t liveValues();
-
-    /// A value that the host or the program keeps until it ends.
-    static void declareMeantToLive(nvArray* value);
-
-    /// A counter by name ("instances", "signatures"); the same one for the same name, for good.
+    /// A counter by name ("instances", "signatures"). The reference stays valid.
     static LedgerCounter& counter(const std::string& name);
 
-    static void recordMisuse(std::string text) noexcept;
+    /// Where memory is short, the misuse is counted without its text.
+    static void recordMisuse(std::string_view text) noexcept;
     static const std::vector<std::string>& misuses();
 
     /// For the end of a program: when anything undeclared is open, lists it on standard error and

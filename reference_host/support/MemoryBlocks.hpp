@@ -1,28 +1,21 @@
 #ifndef ZM_REFERENCE_HOST_SUPPORT_MEMORY_BLOCKS_HPP
 #define ZM_REFERENCE_HOST_SUPPORT_MEMORY_BLOCKS_HPP
 
-#include "reference_host/support/CallSite.hpp"
-
 #include <cstddef>
-#include <cstdint>
-#include <unordered_map>
 
 namespace reference_host {
 
-/// A block of `nvAllocateZeroed` that was not given back yet.
-struct MemoryBlock {
-    std::uint64_t serial = 0;
-    std::size_t size = 0;
-    CallSite madeBy;
-    bool meantToLive = false;  ///< declared to the ledger
-};
+// The blocks of `nvAllocateZeroed`. The ledger lists those that are not released.
 
-/// Those that are open, by address. Never destroyed: libraries give blocks back while the process goes
-/// down.
-std::unordered_map<const void*, MemoryBlock>& openMemoryBlocks();
+/// A zero-filled block of at least one byte, or null if memory is short.
+void* allocateBlock(std::size_t size) noexcept;
 
-/// The number of the latest block.
-std::uint64_t lastMemoryBlock();
+/// Releases a block. A pointer that is not an open block is a misuse and is left alone: freeing it could
+/// corrupt the heap. Null is ignored.
+void releaseBlock(void* block) noexcept;
+
+/// Sets whether the ledger expects an open block to stay open. Other addresses are ignored.
+void setBlockMeantToLive(const void* block, bool isMeant) noexcept;
 
 }  // namespace reference_host
 

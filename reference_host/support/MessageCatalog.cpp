@@ -1,6 +1,5 @@
 #include "reference_host/support/MessageCatalog.hpp"
 
-#include "reference_host/support/HostErrors.hpp"
 #include "reference_host/support/QuotedText.hpp"
 
 #include <charconv>
@@ -17,65 +16,18 @@ using Texts = std::map<std::pair<std::string, std::string>, std::string>;
 
 constexpr const char* libraryCatalog = "dvx_hmi_foundation:errors";
 
-struct CatalogRow {
-    const char* catalog;
-    const char* key;
-    const char* text;
-};
-
-constexpr CatalogRow initialRows[] = {
-    {libraryCatalog, "InvalidElementIndex",
-     "The index is not that of an element; the number of elements is {0}."},
-    {libraryCatalog, "NoCollection", "The object has no collection behind it."},
-    {libraryCatalog, "SignalObserversSetParamInvalidType",
-     "The observers parameter must be an object of class Zelmar.HMI.ModelObservers."},
-    {libraryCatalog, "SignalObserversSetParamNonScalar", "The observers parameter must be a single value."},
-
-    {hostCatalog, "ValueIsDead", "{0}: the value was destroyed before: {1}"},
-    {hostCatalog, "ValueIsHeld", "{0}: the value belongs to a container: {1}"},
-    {hostCatalog, "ValueIsLent", "{0}: the value is borrowed by a call that is under way: {1}"},
-    {hostCatalog, "ValueIsPersistent", "{0}: the value is persistent already: {1}"},
-    {hostCatalog, "ContainsItself", "{0}: the value cannot hold itself: {1}"},
-    {hostCatalog, "NestedTooDeep",
-     "{0}: no value stands more than {1} containers deep, and this one holds as many: {2}"},
-    {hostCatalog, "FieldIsSet", "{0}: the field \"{1}\" holds a value already: {2}"},
-    {hostCatalog, "OutputGivenTwice", "{0}: {1} gives one value as output {2} and as output {3}: {4}"},
-    {hostCatalog, "SlotIsFilled", "{0}: output slot {1} is not null before the call"},
-    {hostCatalog, "DiagnosticHasEnded", "{0}: the diagnostic was reported, thrown or discarded before"},
-
-    {hostCatalog, "NullArgument", "{0}: an argument that must be there is null"},
-    {hostCatalog, "WrongClass", "{0}: needs {1}, not {2}"},
-    {hostCatalog, "EmptyValue", "{0}: needs a value with an element, not {1}"},
-    {hostCatalog, "IndexPastTheEnd", "{0}: index {1} is past the end; the number of elements is {2}"},
-    {hostCatalog, "NoSuchField", "{0}: there is no field \"{1}\" in {2}"},
-    {hostCatalog, "FieldNamedTwice", "{0}: the field \"{1}\" is named twice"},
-    {hostCatalog, "WrongNumberOfElements", "{0}: {1} elements do not fill {2} places"},
-    {hostCatalog, "UnknownClassID", "{0}: {1} is not the code of a numeric class"},
-    {hostCatalog, "UnknownScope", "{0}: {1} is not a scope that can be set"},
-    {hostCatalog, "UnknownEncoding", "{0}: the encoding \"{1}\" is not known"},
-    {hostCatalog, "ForeignConverter", "{0}: the text converter was not made by this host"},
-    {hostCatalog, "NegativeCount", "{0}: {1} is not a number of inputs or outputs"},
-
-    {hostCatalog, "UnknownFunction", "{0}: there is no function \"{1}\""},
-    {hostCatalog, "FunctionExists", "{0}: the function \"{1}\" is defined already"},
-    {hostCatalog, "TooFewInputs", "{0}: the function \"{1}\" was called with {2} inputs and needs more"},
-    {hostCatalog, "NothingInFlight", "{0}: was not called inside a catch clause"},
-    {hostCatalog, "OutOfMemory", "{0}: out of memory"},
-    {hostCatalog, "Exception", "{1}"},
-    {hostCatalog, "UnknownException", "{0}: something was thrown that is not an exception"},
-    {hostCatalog, "InjectedFault", "{0}: was told to fail"},
-};
-
-/// Never destroyed: libraries raise errors while the process goes down.
+/// Never destroyed: libraries raise errors while the process ends.
 Texts& texts()
 {
-    static Texts& instance = *[] {
-        auto* initial = new Texts;
-        for (const CatalogRow& row : initialRows) {
-            (*initial)[{row.catalog, row.key}] = row.text;
-        }
-        return initial;
-    }();
+    static Texts& instance = *new Texts{
+        {{libraryCatalog, "InvalidElementIndex"},
+         "The index is not that of an element; the number of elements is {0}."},
+        {{libraryCatalog, "NoCollection"}, "The object has no collection behind it."},
+        {{libraryCatalog, "SignalObserversSetParamInvalidType"},
+         "The observers parameter must be an object of class Zelmar.HMI.ModelObservers."},
+        {{libraryCatalog, "SignalObserversSetParamNonScalar"},
+         "The observers parameter must be a single value."},
+    };
     return instance;
 }
 
@@ -88,7 +40,7 @@ std::string withoutText(const zmsvMessageId& id)
     return id.arguments().empty() ? result : result + ")";
 }
 
-/// The number in braces that `text` begins with, and how long it is; a length of 0 when there is none.
+/// The number in braces at the beginning of a text, and its length there; a length of 0 for none.
 struct Placeholder {
     std::size_t argument = 0;
     std::size_t length = 0;

@@ -1,8 +1,8 @@
 #ifndef ZM_REFERENCE_HOST_VALUES_NUMERIC_TYPES_HPP
 #define ZM_REFERENCE_HOST_VALUES_NUMERIC_TYPES_HPP
 
+#include "host/Array.hpp"
 #include "reference_host/support/MemoryLimit.hpp"
-#include "reference_host/values/Value.hpp"
 
 #include <cmath>
 #include <concepts>
@@ -14,15 +14,40 @@
 
 namespace reference_host {
 
-/// The one way from a double to an integer: truncated toward zero in range, 0 for NaN, the nearest end
-/// of the range beyond it.
+/// The class of a value. The numeric classes have the host's own codes.
+enum class ValueClass : std::uint8_t {
+    Double = static_cast<std::uint8_t>(nvClassID::Double),
+    Single,
+    Int8,
+    UInt8,
+    Int16,
+    UInt16,
+    Int32,
+    UInt32,
+    Int64,
+    UInt64,
+    Logical,
+    Char,
+    Struct,
+    StructObject,  ///< the older object class: a struct array with a class name
+    Cell,
+    ClassObject  ///< handles to instances of the class object system
+};
+
+inline bool isNumericClass(ValueClass valueClass)
+{
+    return valueClass <= ValueClass::UInt64;
+}
+
+/// The only conversion from a double to an integer: truncated toward zero within the range of the type, the
+/// nearest limit outside it, 0 for NaN.
 template <std::integral Integer>
 Integer toInteger(double number) noexcept
 {
     if (std::isnan(number)) {
         return 0;
     }
-    // The double next to the largest 64-bit number is one past it, so the comparison includes equality.
+    // The largest 64-bit number is rounded up to a double outside the range: hence `>=`.
     if (number >= static_cast<double>(std::numeric_limits<Integer>::max())) {
         return std::numeric_limits<Integer>::max();
     }
@@ -62,7 +87,7 @@ decltype(auto) withNumericType(ValueClass valueClass, Visitor&& visitor)
     }
 }
 
-/// Of `count` elements of a numeric class or logical. More than memory can hold is `std::bad_alloc`.
+/// The size of `count` elements of a numeric or logical class. `std::bad_alloc` if no block can hold it.
 inline std::size_t byteCount(ValueClass valueClass, bool isComplex, std::size_t count)
 {
     const std::size_t elementSize =
@@ -70,7 +95,7 @@ inline std::size_t byteCount(ValueClass valueClass, bool isComplex, std::size_t 
     return requireBytes(count, isComplex ? 2 * elementSize : elementSize);
 }
 
-/// Element `index` of elements that stand as bytes.
+/// Element `index` of an array that is given by its bytes.
 template <class Number>
 Number readNumber(const std::byte* data, std::size_t index)
 {

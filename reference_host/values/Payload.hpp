@@ -4,7 +4,6 @@
 #include "host/ClassObjects.hpp"
 #include "reference_host/support/LiveRegistry.hpp"
 #include "reference_host/values/Dimensions.hpp"
-#include "reference_host/values/Value.hpp"
 
 #include <array>
 #include <cstddef>
@@ -13,14 +12,18 @@
 #include <variant>
 #include <vector>
 
-// What the sources of values/ share and nobody else includes.
+// Included by the sources of values/ only.
 
 namespace reference_host {
 
 /// The elements of a numeric or logical value, zero-filled; up to 16 bytes without memory of their own.
 class Numbers {
 public:
-    Numbers(std::size_t byteCount, bool isComplex);
+    Numbers(std::size_t byteCount, bool isComplex)
+        : m_large(byteCount > m_small.size() ? std::make_unique<std::byte[]>(byteCount) : nullptr),
+          m_isComplex(isComplex)
+    {
+    }
     std::byte* data() noexcept { return m_large ? m_large.get() : m_small.data(); }
     const std::byte* data() const noexcept { return m_large ? m_large.get() : m_small.data(); }
     bool isComplex() const noexcept { return m_isComplex; }
@@ -31,7 +34,7 @@ private:
     bool m_isComplex;
 };
 
-/// Ends what a container holds.
+/// Destroys a value held by a container. Defined in Value.cpp.
 struct HeldDeleter {
     void operator()(nvArray* value) const noexcept;
 };
@@ -42,7 +45,7 @@ struct FieldTable {
     std::string className;  ///< of the older object class; empty for a struct
 };
 
-/// Field f of element i stands at i * names.size() + f.
+/// Field f of element i is at i * names.size() + f.
 struct Fields {
     std::shared_ptr<const FieldTable> table;
     std::vector<HeldValue> values;
@@ -60,49 +63,16 @@ struct Objects {
 struct Payload {
     Dimensions dimensions;
     std::variant<Numbers, std::u16string, Fields, Cells, Objects> content;
-    /// How many containers deep the deepest value in here stands: 0 for what never held anything. It
-    /// does not shrink when what a container holds is replaced.
+    /// The depth of containers in here: 0 for a value that never held another. It does not shrink when a
+    /// held value is replaced.
     std::size_t nesting = 0;
 };
 
-/// Values end, are copied and are compared by going down into them, which takes stack.
+/// Limits recursion: values are destroyed, copied and compared depth first.
 inline constexpr std::size_t deepestNesting = 1000;
 
-/// All values that are alive. Never destroyed: libraries end values while the process goes down.
+/// All live values. Never destroyed: libraries destroy values while the process ends. Defined in Value.cpp.
 LiveRegistry<nvArray>& liveValueRegistry();
-
-/// A new owned value.
-OwnedValue openValue(ValueClass valueClass, std::shared_ptr<Payload> payload);
-
-/// A copy of a value's payload; what it holds becomes shared copies, or deep ones.
-std::shared_ptr<Payload> copyPayload(const nvArray& value, bool deep);
-
-/// The payload for writing, no longer shared; the value must be owned and not lent.
-Payload& writablePayload(nvArray* value);
-
-/// Hands an owned value to a container, which has to put it in place without failing.
-HeldValue hold(OwnedValue value) noexcept;
-
-inline bool isNumericClass(ValueClass valueClass)
-{
-    return valueClass <= ValueClass::UInt64;
-}
-
-inline bool isStructClass(ValueClass valueClass)
-{
-    return valueClass == ValueClass::Struct || valueClass == ValueClass::StructObject;
-}
-
-/// Hands a value over by bare pointer, as the boundary does: it is the container's only when the
-/// operation returns.
-void storeField(nvArray* value, std::size_t index, const char* name, nvArray* field, bool mayBeSet);
-void storeCell(nvArray* value, std::size_t index, nvArray* element);
-
-/// "double", "char" ...
-const char* builtInClassName(ValueClass valueClass);
-
-/// Host error unless index < count.
-void requireIndex(std::size_t index, std::size_t count);
 
 }  // namespace reference_host
 

@@ -1,52 +1,34 @@
 #ifndef ZM_REFERENCE_HOST_VALUES_VALUE_HPP
 #define ZM_REFERENCE_HOST_VALUES_VALUE_HPP
 
-#include "host/Array.hpp"
 #include "reference_host/Export.hpp"
 #include "reference_host/support/CallSite.hpp"
+#include "reference_host/values/NumericTypes.hpp"
 
 #include <cstdint>
 #include <memory>
+#include <string>
 
 namespace reference_host {
 
-/// What a value holds. The numeric classes carry the host's own codes.
-enum class ValueClass : std::uint8_t {
-    Double = static_cast<std::uint8_t>(nvClassID::Double),
-    Single,
-    Int8,
-    UInt8,
-    Int16,
-    UInt16,
-    Int32,
-    UInt32,
-    Int64,
-    UInt64,
-    Logical,
-    Char,
-    Struct,
-    StructObject,  ///< the older object class: a struct array with a class name
-    Cell,
-    ClassObject  ///< handles to instances of the class object system
-};
-
-/// Who ends a value. That a value is lent to a call is counted apart: see `Loan`.
+/// Who destroys a value: its owner, or the container that holds it.
 enum class Ownership : std::uint8_t { Dead, Owned, Held };
 
-/// How long a value is meant to live; see the scope operations of host/Array.hpp.
+/// The intended lifetime of a value; see the scope operations of host/Array.hpp.
 enum class Scope : std::uint8_t { None, Temporary, CallerOwned, Local, Persistent };
 
 struct Payload;
 
 }  // namespace reference_host
 
-/// One host value. Headers are never given back to the system, so that a value that has ended is
-/// recognised for as long as its header has not been used again, which takes thousands of values.
-/// The payload is shared between shared-data copies and split when one of them is written.
+/// One host value: a header, and a payload that shared-data copies share until one of them is written.
 ///
-/// Host code makes, reads and writes values with the operations of ValueMaking.hpp, ValueReading.hpp
-/// and ValueContainers.hpp, which neither enter the journal nor meet faults. They do check: each
-/// throws a `zmsvException` for a misuse, and the ledger counts it.
+/// The memory of a header is kept when its value is destroyed, and is not used again for the next few
+/// thousand values, so that a stale pointer is recognised as such.
+///
+/// Host code makes, reads and writes values with the functions of ValueMaking.hpp, ValueReading.hpp and
+/// ValueContainers.hpp. Unlike the operations of host/, these are not journaled and no fault strikes them.
+/// They check their arguments: a misuse throws a `zmsvException` and is counted by the ledger.
 struct nvArray {
     std::shared_ptr<reference_host::Payload> payload;
     std::uint64_t serial = 0;  ///< 1, 2, ... in the order of creation; what logs call the value
@@ -62,18 +44,18 @@ struct nvArray {
 
 namespace reference_host {
 
-/// Ends an owned value; null is ignored. A dead, held or lent value is a misuse.
+/// Destroys an owned value; null is ignored. A dead, held or lent value is a misuse.
 ZM_REFHOST_API void destroyValue(nvArray* value);
 
 struct ValueDeleter {
     void operator()(nvArray* value) const { destroyValue(value); }
 };
 
-/// A value that host code owns.
+/// A value owned by host code.
 using OwnedValue = std::unique_ptr<nvArray, ValueDeleter>;
 
-/// Lends values to a call for the time of the block: meanwhile they cannot be destroyed, re-scoped,
-/// stored or written. Null is ignored. A dead value is a misuse.
+/// Lends a value to a call: while the loan lives, the value cannot be destroyed, re-scoped, stored or
+/// written. Null is ignored. A dead value is a misuse.
 class ZM_REFHOST_API Loan {
 public:
     explicit Loan(const nvArray* value);
@@ -92,11 +74,29 @@ private:
 /// after the persistent one.
 ZM_REFHOST_API void setScope(nvArray* value, Scope scope);
 
-/// Misuse unless the value is alive; a null value is a host error.
+/// Throws for a dead value (misuse) and for null (host error).
 ZM_REFHOST_API void requireAlive(const nvArray* value);
 
-/// Misuse unless the value is alive, owned and not lent, so that it may be written, stored or ended.
+/// As `requireAlive`; a held or lent value is a misuse too. Such a value may be written, stored, destroyed.
 ZM_REFHOST_API void requireOwned(const nvArray* value);
+
+/// "double", "char", "struct" ... or the full name of the objects' class; empty for null.
+ZM_REFHOST_API std::string className(const nvArray* value);
+ZM_REFHOST_API bool isOfClass(const nvArray* value, const char* name);
+
+/// One readable line: `"Gain"`, `double 2`, `logical true`, `1x3 struct {UUID, BlockPath_}`,
+/// `0x0 double`, `1x2 cell`, `1x1 Zelmar.HMI.SignalSpecification`, `null`, `a destroyed value`.
+/// Never fails for a destroyed value.
+ZM_REFHOST_API std::string describe(const nvArray* value);
+
+/// As logs name it: `#12 double 2`.
+ZM_REFHOST_API std::string describeWithSerial(const nvArray* value);
+
+/// Declares to the ledger that the host or the program keeps a value until it ends.
+ZM_REFHOST_API void declareMeantToLive(nvArray* value);
+
+/// The number of undeclared owned values that are alive.
+ZM_REFHOST_API std::size_t liveValues();
 
 }  // namespace reference_host
 

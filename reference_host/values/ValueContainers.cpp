@@ -1,8 +1,9 @@
 #include "reference_host/values/ValueContainers.hpp"
 
-#include "reference_host/support/HostErrors.hpp"
+#include "reference_host/support/ErrorCatalog.hpp"
 #include "reference_host/values/Payload.hpp"
-#include "reference_host/values/ValueDescription.hpp"
+#include "reference_host/values/Value.hpp"
+#include "reference_host/values/ValueMaking.hpp"
 
 #include <algorithm>
 #include <utility>
@@ -44,7 +45,7 @@ void requireStorable(const nvArray* container, const nvArray* value)
         throwMisuse("ContainsItself", {describeWithSerial(value)});
     }
     if (value->payload->nesting >= deepestNesting) {
-        throwHostError("NestedTooDeep", {std::uint64_t{deepestNesting}, describe(value)});
+        throwHostError("NestedTooDeep", {deepestNesting, describe(value)});
     }
 }
 
@@ -62,7 +63,7 @@ const Fields& requireFields(const nvArray* value)
     requireAlive(value);
     const Fields* fields = fieldsOf(value);
     if (fields == nullptr) {
-        throwHostError("WrongClass", {std::string("a struct"), describe(value)});
+        throwHostError("WrongClass", {"a struct", describe(value)});
     }
     return *fields;
 }
@@ -81,7 +82,7 @@ HeldValue& fieldPlace(nvArray* value, std::size_t index, const char* name, const
     requireIndex(index, value->payload->dimensions.elementCount());
     const std::size_t number = name != nullptr ? fieldNumber(fields, name) : fields.table->names.size();
     if (number == fields.table->names.size()) {
-        throwHostError("NoSuchField", {std::string(name != nullptr ? name : ""), describe(value)});
+        throwHostError("NoSuchField", {name != nullptr ? name : "", describe(value)});
     }
     return fieldPlace(value, index, number, field);
 }
@@ -156,7 +157,7 @@ void storeField(nvArray* value, std::size_t index, const char* name, nvArray* fi
 {
     HeldValue& place = fieldPlace(value, index, name, field);
     if (place && !mayBeSet) {
-        throwMisuse("FieldIsSet", {std::string(name), describeWithSerial(place.get())});
+        throwMisuse("FieldIsSet", {name, describeWithSerial(place.get())});
     }
     put(value, place, field);
 }
@@ -182,7 +183,7 @@ void storeCell(nvArray* value, std::size_t index, nvArray* element)
     requireAlive(value);
     const Cells* cells = cellsOf(value);
     if (cells == nullptr) {
-        throwHostError("WrongClass", {std::string("a cell array"), describe(value)});
+        throwHostError("WrongClass", {"a cell array", describe(value)});
     }
     requireIndex(index, cells->values.size());
     requireStorable(value, element);

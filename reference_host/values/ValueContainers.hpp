@@ -37,6 +37,11 @@ ZM_REFHOST_API const nvArray* cell(const nvArray* value, std::size_t index);
 /// Fills a cell; what it held before ends.
 ZM_REFHOST_API void setCell(nvArray* value, std::size_t index, OwnedValue element);
 
+// For the boundary, which takes values by bare pointer: the container owns the value only when the operation
+// returns normally.
+void storeField(nvArray* value, std::size_t index, const char* name, nvArray* field, bool mayBeSet);
+void storeCell(nvArray* value, std::size_t index, nvArray* element);
+
 }  // namespace reference_host
 
 #endif

@@ -1,18 +1,33 @@
 #include "reference_host/values/ValueMaking.hpp"
 
-#include "reference_host/support/HostErrors.hpp"
+#include "reference_host/support/ErrorCatalog.hpp"
 #include "reference_host/support/MemoryLimit.hpp"
 #include "reference_host/support/TextConversion.hpp"
 #include "reference_host/values/NumericTypes.hpp"
 #include "reference_host/values/Payload.hpp"
 
+#include <cstring>
 #include <string_view>
+#include <type_traits>
 #include <unordered_set>
 #include <utility>
 
 namespace reference_host {
 
 namespace {
+
+OwnedValue openValue(ValueClass valueClass, std::shared_ptr<Payload> payload)
+{
+    nvArray* value = liveValueRegistry().open();
+    value->payload = std::move(payload);
+    value->madeBy = CallSite::current();
+    value->loans = 0;
+    value->valueClass = valueClass;
+    value->ownership = Ownership::Owned;
+    value->scope = Scope::None;
+    value->meantToLive = false;
+    return OwnedValue(value);
+}
 
 template <class Content>
 OwnedValue makeValue(ValueClass valueClass, Dimensions dimensions, Content content)
@@ -75,8 +90,7 @@ OwnedValue makeText(std::string_view text)
 OwnedValue makeCharacters(Dimensions dimensions, std::u16string text)
 {
     if (text.size() != dimensions.elementCount()) {
-        throwHostError("WrongNumberOfElements",
-                       {std::uint64_t{text.size()}, std::uint64_t{dimensions.elementCount()}});
+        throwHostError("WrongNumberOfElements", {text.size(), dimensions.elementCount()});
     }
     return makeValue(ValueClass::Char, std::move(dimensions), std::move(text));
 }
@@ -128,8 +142,7 @@ OwnedValue makeObjects(std::string className, Dimensions dimensions,
                        std::vector<nvcos::COSInterfacePtr> instances)
 {
     if (instances.size() != dimensions.elementCount()) {
-        throwHostError("WrongNumberOfElements",
-                       {std::uint64_t{instances.size()}, std::uint64_t{dimensions.elementCount()}});
+        throwHostError("WrongNumberOfElements", {instances.size(), dimensions.elementCount()});
     }
     return makeValue(ValueClass::ClassObject, std::move(dimensions),
                      Objects{std::make_shared<std::string>(std::move(className)), std::move(instances)});
@@ -139,6 +152,53 @@ OwnedValue makeEmptyValue()
 {
     return makeNumbers(ValueClass::Double, Dimensions(0, 0), false);
 }
+
+namespace {
+
+HeldValue held(OwnedValue value) noexcept
+{
+    if (value) {
+        value->ownership = Ownership::Held;
+    }
+    return HeldValue(value.release());
+}
+
+std::vector<HeldValue> copyHeld(const std::vector<HeldValue>& values, bool deep)
+{
+    std::vector<HeldValue> copies;
+    copies.reserve(values.size());
+    for (const HeldValue& value : values) {
+        copies.push_back(held(deep ? copyDeep(value.get()) : copyShared(value.get())));
+    }
+    return copies;
+}
+
+/// A copy of a value's payload; the values that it holds become shared or deep copies.
+std::shared_ptr<Payload> copyPayload(const nvArray& value, bool deep)
+{
+    const Payload& payload = *value.payload;
+    const std::size_t count = payload.dimensions.elementCount();
+    auto content = std::visit(
+        [&](const auto& from) -> decltype(Payload::content) {
+            using Content = std::decay_t<decltype(from)>;
+            if constexpr (std::is_same_v<Content, Numbers>) {
+                const std::size_t size = byteCount(value.valueClass, from.isComplex(), count);
+                Numbers copy(size, from.isComplex());
+                std::memcpy(copy.data(), from.data(), size);
+                return copy;
+            } else if constexpr (std::is_same_v<Content, Fields>) {
+                return Fields{from.table, copyHeld(from.values, deep)};
+            } else if constexpr (std::is_same_v<Content, Cells>) {
+                return Cells{copyHeld(from.values, deep)};
+            } else {
+                return from;
+            }
+        },
+        payload.content);
+    return std::make_shared<Payload>(Payload{payload.dimensions, std::move(content), payload.nesting});
+}
+
+}  // namespace
 
 OwnedValue copyDeep(const nvArray* value)
 {
@@ -156,6 +216,15 @@ OwnedValue copyShared(const nvArray* value)
     }
     requireAlive(value);
     return openValue(value->valueClass, value->payload);
+}
+
+Payload& writablePayload(nvArray* value)
+{
+    requireOwned(value);
+    if (value->payload.use_count() > 1) {
+        value->payload = copyPayload(*value, false);
+    }
+    return *value->payload;
 }
 
 }  // namespace reference_host

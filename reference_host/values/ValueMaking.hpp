@@ -43,12 +43,15 @@ ZM_REFHOST_API OwnedValue makeCells(Dimensions dimensions);
 ZM_REFHOST_API OwnedValue makeObjects(std::string className, Dimensions dimensions,
                                       std::vector<nvcos::COSInterfacePtr> instances);
 
-/// The 0-by-0 double that stands for no value.
+/// The 0-by-0 double that means "no value".
 ZM_REFHOST_API OwnedValue makeEmptyValue();
 
 /// Copies; null of null. A copy is owned and in no scope.
 ZM_REFHOST_API OwnedValue copyDeep(const nvArray* value);
 ZM_REFHOST_API OwnedValue copyShared(const nvArray* value);
+
+/// The payload for writing, no longer shared. For the sources of values/. REQUIRES: as `requireOwned`.
+Payload& writablePayload(nvArray* value);
 
 }  // namespace reference_host
 

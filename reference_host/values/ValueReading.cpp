@@ -1,10 +1,11 @@
 #include "reference_host/values/ValueReading.hpp"
 
-#include "reference_host/support/HostErrors.hpp"
+#include "reference_host/support/ErrorCatalog.hpp"
 #include "reference_host/support/TextConversion.hpp"
 #include "reference_host/values/NumericTypes.hpp"
 #include "reference_host/values/Payload.hpp"
-#include "reference_host/values/ValueDescription.hpp"
+#include "reference_host/values/Value.hpp"
+#include "reference_host/values/ValueMaking.hpp"
 
 #include <algorithm>
 #include <array>
@@ -26,7 +27,7 @@ bool isNull(const nvArray* value)
 
 [[noreturn]] void refuse(const char* wanted, const nvArray* value)
 {
-    throwHostError("WrongClass", {std::string(wanted), describe(value)});
+    throwHostError("WrongClass", {wanted, describe(value)});
 }
 
 /// The bytes of a numeric or logical value.
@@ -73,17 +74,6 @@ auto readScalar(const nvArray* value, Read read)
     return characters != nullptr ? read(characters->front()) : readElement(value, 0, read);
 }
 
-std::string_view classNameOf(const nvArray& value)
-{
-    if (const auto* objects = std::get_if<Objects>(&value.payload->content)) {
-        return *objects->className;
-    }
-    if (value.valueClass == ValueClass::StructObject) {
-        return std::get<Fields>(value.payload->content).table->className;
-    }
-    return builtInClassName(value.valueClass);
-}
-
 double asDouble(auto number)
 {
     return static_cast<double>(number);
@@ -118,16 +108,6 @@ std::size_t elementCount(const nvArray* value)
 bool isEmpty(const nvArray* value)
 {
     return elementCount(value) == 0;
-}
-
-std::string className(const nvArray* value)
-{
-    return isNull(value) ? std::string() : std::string(classNameOf(*value));
-}
-
-bool isOfClass(const nvArray* value, const char* name)
-{
-    return !isNull(value) && name != nullptr && classNameOf(*value) == name;
 }
 
 bool isNumeric(const nvArray* value)

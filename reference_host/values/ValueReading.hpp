@@ -18,10 +18,6 @@ ZM_REFHOST_API const Dimensions& dimensions(const nvArray* value);
 ZM_REFHOST_API std::size_t elementCount(const nvArray* value);
 ZM_REFHOST_API bool isEmpty(const nvArray* value);
 
-/// "double", "char", "struct" ... or the full name of the objects' class.
-ZM_REFHOST_API std::string className(const nvArray* value);
-ZM_REFHOST_API bool isOfClass(const nvArray* value, const char* name);
-
 /// One of the ten numeric classes.
 ZM_REFHOST_API bool isNumeric(const nvArray* value);
 ZM_REFHOST_API bool isComplex(const nvArray* value);

@@ -9,8 +9,8 @@
 #include "reference_host/observers/AlignedBlockPath.hpp"
 #include "reference_host/observers/EditorFunctions.hpp"
 #include "reference_host/observers/ObserverFunctions.hpp"
+#include "reference_host/values/Value.hpp"
 #include "reference_host/values/ValueContainers.hpp"
-#include "reference_host/values/ValueDescription.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"
 

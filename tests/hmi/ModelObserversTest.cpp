@@ -4,7 +4,7 @@
 #include "reference_host/calls/Faults.hpp"
 #include "reference_host/classes/ClassObjects.hpp"
 #include "reference_host/classes/ModelObserversClass.hpp"
-#include "reference_host/values/ValueDescription.hpp"
+#include "reference_host/values/Value.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"
 #include "tests/hmi/ClientsTest.hpp"

@@ -70,9 +70,9 @@ TEST_F(SignalClientTest, WritingParametersFreesTheFormerOnes)
 {
     SignalClient client;
     client.setObserverParams(makeParams(u"a").get());
-    const auto before = rh::Ledger::liveValues();
+    const auto before = rh::liveValues();
     client.setObserverParams(makeParams(u"b").get());
-    EXPECT_EQ(rh::Ledger::liveValues(), before);
+    EXPECT_EQ(rh::liveValues(), before);
     EXPECT_EQ(valuesOf(client).paramsModelName, u"b");
 }
 

@@ -1,7 +1,7 @@
 #include "reference_host/calls/BoundaryCall.hpp"
 
 #include "reference_host/calls/Journal.hpp"
-#include "reference_host/support/HostErrors.hpp"
+#include "reference_host/support/ErrorCatalog.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "tests/support/HostTest.hpp"
 

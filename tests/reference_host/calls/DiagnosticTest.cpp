@@ -1,7 +1,7 @@
 #include "host/Calls.hpp"
 
 #include "reference_host/calls/Warnings.hpp"
-#include "reference_host/support/HostErrors.hpp"
+#include "reference_host/support/ErrorCatalog.hpp"
 #include "reference_host/support/Ledger.hpp"
 #include "tests/support/FaultWalk.hpp"
 #include "tests/support/HostTest.hpp"

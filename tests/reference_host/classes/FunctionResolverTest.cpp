@@ -1,7 +1,7 @@
 #include "host/Calls.hpp"
 #include "host/OwnedArray.hpp"
 #include "reference_host/calls/HostFunctions.hpp"
-#include "reference_host/values/ValueDescription.hpp"
+#include "reference_host/values/Value.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "tests/reference_host/classes/ClassesTest.hpp"
 

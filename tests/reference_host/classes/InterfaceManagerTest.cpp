@@ -1,8 +1,8 @@
 #include "reference_host/classes/InterfaceManager.hpp"
 
 #include "reference_host/classes/ClassReflection.hpp"
+#include "reference_host/values/Value.hpp"
 #include "reference_host/values/ValueContainers.hpp"
-#include "reference_host/values/ValueDescription.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"
 #include "tests/reference_host/classes/ClassesTest.hpp"

@@ -1,5 +1,5 @@
 #include "host/Containers.hpp"
-#include "reference_host/values/ValueDescription.hpp"
+#include "reference_host/values/Value.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"
 #include "tests/reference_host/classes/ClassesTest.hpp"

@@ -2,7 +2,7 @@
 
 #include "reference_host/classes/ClassReflection.hpp"
 #include "reference_host/classes/RecordClass.hpp"
-#include "reference_host/values/ValueDescription.hpp"
+#include "reference_host/values/Value.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"
 #include "tests/reference_host/classes/ClassesTest.hpp"

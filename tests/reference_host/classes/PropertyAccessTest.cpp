@@ -1,6 +1,6 @@
 #include "host/Containers.hpp"
 #include "host/OwnedArray.hpp"
-#include "reference_host/values/ValueDescription.hpp"
+#include "reference_host/values/Value.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "tests/reference_host/classes/ClassesTest.hpp"
 #include "tests/support/FaultWalk.hpp"

@@ -1,5 +1,6 @@
 #include "reference_host/support/ErrorCatalog.hpp"
 
+#include "reference_host/support/Ledger.hpp"
 #include "tests/support/HostTest.hpp"
 
 #include <array>
@@ -25,6 +26,46 @@ TEST_F(ErrorCatalogTest, ErrorHasTheIdAndTheTextOfItsMessage)
 TEST_F(ErrorCatalogTest, MessageThatIsNotThereShowsItsId)
 {
     EXPECT_STREQ(m_catalog.error("Nothing", {}).what(), "test:errors:Nothing");
+}
+
+using HostErrorTest = HostTest;
+
+TEST_F(HostErrorTest, CarriesTheOperationBeforeItsArguments)
+{
+    try {
+        throwHostError("UnknownFunction", {std::string("odd")});
+    } catch (const zmsvException& error) {
+        EXPECT_EQ(error.id().catalog(), hostCatalog);
+        EXPECT_EQ(error.id().key(), "UnknownFunction");
+        ASSERT_EQ(error.id().arguments().size(), 2u);
+        EXPECT_EQ(std::get<std::string>(error.id().arguments()[0]), "host code");
+        EXPECT_STREQ(error.what(), "host code: there is no function \"odd\"");
+    }
+}
+
+TEST_F(HostErrorTest, ThatIsAMisuseIsInTheLedgerToo)
+{
+    expectMisuses(1);
+    EXPECT_THROW(throwMisuse("DiagnosticHasEnded"), zmsvException);
+    EXPECT_EQ(Ledger::misuses().back(), "host code: the diagnostic was reported, thrown or discarded before");
+}
+
+TEST_F(HostErrorTest, ComesFromANullPointer)
+{
+    const int number = 0;
+    EXPECT_THROW(requirePointer(nullptr), zmsvException);
+    EXPECT_NO_THROW(requirePointer(&number));
+    EXPECT_NO_THROW(requirePointer(nullptr, 0));
+    EXPECT_THROW(requirePointer(nullptr, 2), zmsvException);
+}
+
+TEST(MessageArguments, AreConvertedToTheTypesOfMessages)
+{
+    const std::vector<zmsvMessageArgument> list =
+        MessageArguments("a", std::string("b"), u"\u00e4", std::size_t{7}, -3, 0.5).take();
+    const std::vector<zmsvMessageArgument> expected{std::string("a"), std::string("b"), std::string("\u00e4"),
+                                                    std::uint64_t{7}, std::int64_t{-3}, 0.5};
+    EXPECT_EQ(list, expected);
 }
 
 }  // namespace

@@ -59,14 +59,14 @@ TEST_F(LedgerTest, LeavesOutWhatIsMeantToLive)
 {
     const Ledger::Snapshot before = Ledger::snapshot();
     const OwnedValue constant = reference_host::makeDouble(1);
-    Ledger::declareMeantToLive(constant.get());
+    declareMeantToLive(constant.get());
     EXPECT_TRUE(Ledger::openSince(before).empty());
 }
 
 TEST_F(LedgerTest, ForgetsTheDeclarationWithTheValue)
 {
     nvArray* declared = reference_host::makeDouble(1).release();
-    Ledger::declareMeantToLive(declared);
+    declareMeantToLive(declared);
     destroyValue(declared);
     const Ledger::Snapshot before = Ledger::snapshot();
     std::vector<OwnedValue> values;
@@ -80,9 +80,9 @@ TEST_F(LedgerTest, ForgetsTheDeclarationWithTheValue)
 
 TEST_F(LedgerTest, CountsValuesThatAreAlive)
 {
-    const std::size_t before = Ledger::liveValues();
+    const std::size_t before = liveValues();
     const OwnedValue value = reference_host::makeDouble(1);
-    EXPECT_EQ(Ledger::liveValues(), before + 1);
+    EXPECT_EQ(liveValues(), before + 1);
 }
 
 TEST_F(LedgerTest, ListsCountersThatHaveGrown)

@@ -2,7 +2,7 @@
 #define ZM_TESTS_REFERENCE_HOST_VALUES_MISUSE_HPP
 
 #include "host/Exceptions.hpp"
-#include "reference_host/support/HostErrors.hpp"
+#include "reference_host/support/ErrorCatalog.hpp"
 #include "reference_host/support/Ledger.hpp"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "reference_host/values/ValueDescription.hpp"
+#include "reference_host/values/Value.hpp"
 
 #include "reference_host/values/ValueContainers.hpp"
 #include "reference_host/values/ValueMaking.hpp"
@@ -56,8 +56,8 @@ TEST_F(ValueDescriptionTest, ShowsWhatIsNotThere)
     const std::string number = "#" + std::to_string(ended->serial);
     nvDestroyArray(ended);
     EXPECT_EQ(describe(nullptr), "null");
-    EXPECT_EQ(describe(ended), "a value that has ended");
-    EXPECT_EQ(describeWithSerial(ended), number + " a value that has ended, made by nvCreateDoubleScalar");
+    EXPECT_EQ(describe(ended), "a destroyed value");
+    EXPECT_EQ(describeWithSerial(ended), number + " a destroyed value, made by nvCreateDoubleScalar");
 }
 
 }  // namespace
