@@ -1,7 +1,7 @@
 #include "editor/DrawnPorts.hpp"
 
 #include "editor/SignalsObject.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"
 
@@ -18,7 +18,7 @@ bool isGivenPortObserved(const nvArray* signals, const zmPort& port)
     const rh::OwnedValue handle = rh::makeDouble(port.block->handle());
     const rh::OwnedValue number = rh::makeNumber(static_cast<double>(port.number), nvClassID::Int32);
     const auto observed =
-        rh::ClassObjects::callMethod(signals, "isGivenPortObserved", {handle.get(), number.get()});
+        rh::ObjectAccess::callMethod(signals, "isGivenPortObserved", {handle.get(), number.get()});
     return rh::isTrueScalar(observed.front().get());
 }
 

@@ -4,7 +4,7 @@
 #include "hmi/HMIEngineUtils.hpp"
 #include "host/Exceptions.hpp"
 #include "host/Text.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/observers/CollectionAccess.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"
@@ -72,11 +72,11 @@ void bindUnbound(const nvArray* signals)
             record.cachedPort == 0 && !record.chartObject ? rh::placeOf(record) : rh::SignalPlace();
         const rh::OwnedValue signal = place.isThere ? rh::elementAt(signals, i) : nullptr;
         if (signal) {
-            rh::ClassObjects::setProperty(signal.get(), "CachedBlockHandle_",
+            rh::ObjectAccess::setProperty(signal.get(), "CachedBlockHandle_",
                                           rh::makeDouble(place.block->handle()).get());
-            rh::ClassObjects::setProperty(signal.get(), "CachedPortIdx_",
+            rh::ObjectAccess::setProperty(signal.get(), "CachedPortIdx_",
                                           rh::makeDouble(record.outputPort).get());
-            rh::ClassObjects::callMethod(signals, "isPortObserved", {signal.get()});
+            rh::ObjectAccess::callMethod(signals, "isPortObserved", {signal.get()});
         }
     }
 }
@@ -90,7 +90,7 @@ void renumber(const nvArray* signals, const Block& block, const std::vector<int>
 std::string portUUID(const Block& block, std::size_t number, bool useMap)
 {
     const rh::OwnedValue handle = rh::makeDouble(block.handle());
-    const auto uuid = rh::ClassObjects::callStatic(
+    const auto uuid = rh::ObjectAccess::callStatic(
         rh::signalsClass, "getUUIDForBlock",
         {handle.get(), rh::methodIndex(number - 1).get(), rh::makeLogical(useMap).get()});
     return rh::utf8Text(uuid.front().get());
@@ -99,7 +99,7 @@ std::string portUUID(const Block& block, std::size_t number, bool useMap)
 void setPortUUID(const Block& block, std::size_t number, const std::string& uuid)
 {
     const rh::OwnedValue handle = rh::makeDouble(block.handle());
-    rh::ClassObjects::callStatic(rh::signalsClass, "setUUIDForBlock",
+    rh::ObjectAccess::callStatic(rh::signalsClass, "setUUIDForBlock",
                                  {handle.get(), rh::methodIndex(number - 1).get(), rh::makeText(uuid).get()});
 }
 

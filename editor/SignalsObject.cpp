@@ -1,7 +1,7 @@
 #include "editor/SignalsObject.hpp"
 
 #include "host/Exceptions.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/observers/CollectionAccess.hpp"
 #include "reference_host/observers/SignalRecords.hpp"
 #include "reference_host/values/ValueMaking.hpp"
@@ -15,7 +15,7 @@ namespace {
 
 std::u16string textOf(const nvArray* object, const char* property)
 {
-    return rh::text(rh::ClassObjects::getProperty(object, property).get());
+    return rh::text(rh::ObjectAccess::getProperty(object, property).get());
 }
 
 /// Puts another start in the place of one that the text has.
@@ -23,7 +23,7 @@ void renameIn(nvArray* signal, const char* property, const std::u16string& from,
 {
     const std::u16string value = textOf(signal, property);
     if (value.starts_with(from)) {
-        rh::ClassObjects::setProperty(signal, property, rh::makeText(to + value.substr(from.size())).get());
+        rh::ObjectAccess::setProperty(signal, property, rh::makeText(to + value.substr(from.size())).get());
     }
 }
 
@@ -42,8 +42,8 @@ zm_hmi::InstrumentedSignals& nativeSignals(const nvArray* object)
 
 rh::OwnedValue newSignalsLike(const nvArray* signals)
 {
-    return rh::ClassObjects::construct(rh::signalsClass,
-                                       {rh::ClassObjects::getProperty(signals, "Model").get()});
+    return rh::ObjectAccess::construct(rh::signalsClass,
+                                       {rh::ObjectAccess::getProperty(signals, "Model").get()});
 }
 
 void appendElement(const nvArray* target, const nvArray* source, std::size_t index)
@@ -55,12 +55,12 @@ void appendElement(const nvArray* target, const nvArray* source, std::size_t ind
         renameIn(element.get(), "BlockPath_", from + u'/', to + u'/');
         renameIn(element.get(), "ZID_", from + u':', to + u':');
     }
-    rh::ClassObjects::callMethod(target, "add", {element.get()});
+    rh::ObjectAccess::callMethod(target, "add", {element.get()});
 }
 
 void removeElement(const nvArray* signals, std::size_t index)
 {
-    rh::ClassObjects::callMethod(signals, "remove", {rh::methodIndex(index).get()});
+    rh::ObjectAccess::callMethod(signals, "remove", {rh::methodIndex(index).get()});
 }
 
 }  // namespace editor

@@ -3,9 +3,9 @@
 #include "python/Conversion.hpp"
 #include "python/Edge.hpp"
 #include "python/ValueHandle.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
 #include "reference_host/classes/ClassReflection.hpp"
 #include "reference_host/classes/ClassSystem.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/values/ValueReading.hpp"
 
 #include <pybind11/stl.h>
@@ -17,9 +17,9 @@ namespace py = pybind11;
 namespace zmhost {
 
 using reference_host::ClassDescription;
-using reference_host::ClassObjects;
 using reference_host::ClassSystem;
 using reference_host::MethodDescription;
+using reference_host::ObjectAccess;
 using reference_host::PropertyDescription;
 
 namespace {
@@ -38,7 +38,7 @@ std::unique_ptr<ValueHandle> construct(const std::string& className, const py::t
 {
     return atEdge([&] {
         const CallArguments values(arguments, [&] { return methodOf(className, simpleName(className)); });
-        return std::make_unique<ValueHandle>(ClassObjects::construct(className, values.pointers()));
+        return std::make_unique<ValueHandle>(ObjectAccess::construct(className, values.pointers()));
     });
 }
 
@@ -48,7 +48,7 @@ py::object callMethod(const ValueHandle& object, const std::string& method, cons
         const nvArray* value = object.get();
         const CallArguments values(arguments,
                                    [&] { return methodOf(reference_host::className(value), method); });
-        return resultsToPython(ClassObjects::callMethod(value, method, values.pointers()));
+        return resultsToPython(ObjectAccess::callMethod(value, method, values.pointers()));
     });
 }
 
@@ -56,20 +56,20 @@ py::object callStatic(const std::string& className, const std::string& method, c
 {
     return atEdge([&] {
         const CallArguments values(arguments, [&] { return methodOf(className, method); });
-        return resultsToPython(ClassObjects::callStatic(className, method, values.pointers()));
+        return resultsToPython(ObjectAccess::callStatic(className, method, values.pointers()));
     });
 }
 
 py::object getProperty(const ValueHandle& object, const std::string& property)
 {
-    return atEdge([&] { return toPython(ClassObjects::getProperty(object.get(), property)); });
+    return atEdge([&] { return toPython(ObjectAccess::getProperty(object.get(), property)); });
 }
 
 void setProperty(const ValueHandle& object, const std::string& property, py::handle value)
 {
     atEdge([&] {
         try {
-            ClassObjects::setProperty(object.get(), property, Argument(value).get());
+            ObjectAccess::setProperty(object.get(), property, Argument(value).get());
         } catch (const NoHostValue& why) {
             const std::string className = reference_host::className(object.get());
             throw zmsvException({"reference_host:classes", "WrongValue", {className, property}},

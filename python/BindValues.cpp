@@ -1,7 +1,7 @@
 #include "python/Bindings.hpp"
 #include "python/Conversion.hpp"
 #include "python/ValueHandle.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/support/ErrorCatalog.hpp"
 #include "reference_host/values/Value.hpp"
 #include "reference_host/values/ValueContainers.hpp"
@@ -147,7 +147,7 @@ HandlePtr makeObjectArray(const std::string& className, const py::sequence& obje
         }
         instances.push_back(instanceAt(argument.get(), 0));
     }
-    return handleOf(reference_host::ClassObjects::makeObjectArray(className, instances));
+    return handleOf(reference_host::ObjectAccess::makeObjectArray(className, instances));
 }
 
 /// Tells instances apart for as long as one is held.

@@ -1,27 +1,15 @@
 #include "reference_host/classes/ClassRegistry.hpp"
 
-#include "reference_host/classes/ClassError.hpp"
-#include "reference_host/classes/InterfaceManager.hpp"
-#include "reference_host/classes/Interning.hpp"
-#include "reference_host/classes/ModelObserversClass.hpp"
-#include "reference_host/classes/SignalClientClass.hpp"
-#include "reference_host/classes/SignalSpecificationClass.hpp"
+#include "reference_host/calls/BoundaryCall.hpp"
+#include "reference_host/classes/ClassErrors.hpp"
+#include "reference_host/classes/Types.hpp"
+
+#include <boost/algorithm/string/join.hpp>
 
 #include <algorithm>
 #include <utility>
 
 namespace reference_host {
-
-SplitName::SplitName(const std::string& fullName)
-{
-    const std::size_t dot = fullName.rfind('.');
-    if (dot == std::string::npos) {
-        simple = fullName;
-        return;
-    }
-    parent = fullName.substr(0, dot);
-    simple = fullName.substr(dot + 1);
-}
 
 ClassRegistry& ClassRegistry::instance()
 {
@@ -29,17 +17,10 @@ ClassRegistry& ClassRegistry::instance()
     return *registry;
 }
 
-ClassRegistry::ClassRegistry()
+void ClassRegistry::addBuiltIn(const std::string& namespaceName, ClassInfoFactory makeInfo)
 {
-    contributeBuiltInClasses();
-}
-
-void ClassRegistry::contributeBuiltInClasses()
-{
-    for (const auto& makeInfo : {makeSignalSpecificationClass, makeSignalClientClass, makeModelObserversClass,
-                                 makeInterfaceManagerClass}) {
-        m_contributions.push_back({"Zelmar.HMI", makeInfo});
-    }
+    m_builtIn.push_back({namespaceName, makeInfo});
+    m_contributions.push_back({namespaceName, std::move(makeInfo)});
 }
 
 Namespace* ClassRegistry::findTopLevel(const std::string& simpleName) const
@@ -81,7 +62,7 @@ RegisteredClass& ClassRegistry::classNamed(const std::string& fullName)
 {
     RegisteredClass* cosClass = findClass(fullName);
     if (cosClass == nullptr) {
-        throwClassError("UnknownClass", "there is no class \"" + fullName + "\"");
+        throwClassError("UnknownClass", {fullName});
     }
     return *cosClass;
 }
@@ -98,9 +79,9 @@ Namespace& ClassRegistry::insertNamespace(const char* name, nvcos::COSNamespaceI
 {
     checkSimpleName("namespace", name);
     if (findTopLevel(name) != nullptr) {
-        throwClassError("DuplicateName", "there is a namespace \"" + std::string(name) + "\" already");
+        throwClassError("DuplicateName:top", {name});
     }
-    m_topLevel.push_back(std::make_unique<Namespace>(name));
+    m_topLevel.push_back(std::make_unique<Namespace>(name, m_contributions));
     m_topLevel.back()->adopt(info);
     return *m_topLevel.back();
 }
@@ -115,33 +96,14 @@ Namespace& ClassRegistry::createNamespace(const std::string& fullName)
                                : createNamespace(name.parent).insertNamespace(name.simple.c_str(), nullptr);
 }
 
-void ClassRegistry::contribute(const std::string& namespaceName, ClassSystem::ClassInfoFactory makeInfo)
+void ClassRegistry::contribute(const std::string& namespaceName, ClassInfoFactory makeInfo)
 {
     Contribution contribution{namespaceName, std::move(makeInfo)};
     Namespace* home = knownNamespace(namespaceName);
     if (home != nullptr && home->isDefined()) {
-        addContribution(*home, contribution);
+        home->insertContributed(contribution);
     }
     m_contributions.push_back(std::move(contribution));
-}
-
-void ClassRegistry::addContribution(Namespace& home, const Contribution& contribution)
-{
-    std::unique_ptr<nvcos::COSClassInfo> info = contribution.makeInfo();
-    home.insertClass(info.get(), ClassOrigin::HostCode);
-    static_cast<void>(info.release());
-}
-
-void ClassRegistry::addContributionsTo(Namespace& home)
-{
-    // What makes a class may contribute others: those are added as they come.
-    const std::size_t count = m_contributions.size();
-    for (std::size_t i = 0; i < count; ++i) {
-        const Contribution contribution = m_contributions[i];
-        if (contribution.namespaceName == home.fullName()) {
-            addContribution(home, contribution);
-        }
-    }
 }
 
 void ClassRegistry::createContributedNamespaces()
@@ -159,16 +121,63 @@ void ClassRegistry::reset()
         top->listInstances(alive);
     }
     if (!alive.empty()) {
-        std::string text = "the class system cannot be reset while instances live:";
-        for (const std::string& line : alive) {
-            text += " " + line + ";";
-        }
-        text.back() = '.';
-        throwClassError("InstancesLive", text);
+        throwClassError("InstancesLive", {boost::algorithm::join(alive, "; ")});
     }
     m_topLevel.clear();
-    m_contributions.clear();
-    contributeBuiltInClasses();
+    m_contributions = m_builtIn;
+}
+
+namespace {
+
+const nvcos::COSType* findLoadedType(const std::string& name)
+{
+    if (const nvcos::COSType* builtIn = findBuiltInType(name)) {
+        return builtIn;
+    }
+    return ClassRegistry::instance().findClass(name) != nullptr ? classType(name) : nullptr;
+}
+
+}  // namespace
+
+const nvcos::COSType* typeNamed(const std::string& name)
+{
+    const nvcos::COSType* type = findLoadedType(name);
+    if (type == nullptr && ClassRegistry::instance().attemptToLoadType(name)) {
+        type = findLoadedType(name);
+    }
+    if (type == nullptr) {
+        throwClassError("UnknownType", {name});
+    }
+    return type;
 }
 
 }  // namespace reference_host
+
+using namespace reference_host;
+
+nvcos::COSNamespace* nvcos::COSNamespace::getNamespace(internal::Interned fullName)
+{
+    const Operation operation("COSNamespace::getNamespace", CanFail::ThrowingOrNull);
+    return BoundaryCall(operation, fullName).run([&]() -> COSNamespace* {
+        return fullName.isNull() ? nullptr : ClassRegistry::instance().findNamespace(fullName.c_str());
+    });
+}
+
+void nvcos::COSNamespace::addNamespace(COSNamespaceInfo* info)
+{
+    const char* name = info != nullptr ? info->getName() : nullptr;
+    BoundaryCall({"COSNamespace::addNamespace"}, name).run([&] {
+        ClassRegistry::instance().insertNamespace(name, info);
+    });
+}
+
+const nvcos::COSType* nvcos::COSTypeRepository::getType(internal::Interned name)
+{
+    const Operation operation("COSTypeRepository::getType", CanFail::ThrowingOrNull);
+    return BoundaryCall(operation, name).run([&] {
+        if (name.isNull()) {
+            throwClassError("UnknownType:null");
+        }
+        return typeNamed(name.c_str());
+    });
+}

@@ -1,7 +1,6 @@
 #ifndef ZM_REFERENCE_HOST_CLASSES_CLASS_REGISTRY_HPP
 #define ZM_REFERENCE_HOST_CLASSES_CLASS_REGISTRY_HPP
 
-#include "reference_host/classes/ClassSystem.hpp"
 #include "reference_host/classes/Namespace.hpp"
 
 #include <memory>
@@ -10,15 +9,7 @@
 
 namespace reference_host {
 
-/// A full name in two: "Zelmar.HMI.X" is ("Zelmar.HMI", "X"); a name without a dot has an empty parent.
-struct SplitName {
-    explicit SplitName(const std::string& fullName);
-
-    std::string parent;
-    std::string simple;
-};
-
-/// The one tree of the process, and what host code contributes to it.
+/// The tree of namespaces and classes of the process, and the classes that host code contributes to it.
 class ClassRegistry {
 public:
     /// Never destroyed: what libraries registered must not be touched while the process ends.
@@ -38,28 +29,24 @@ public:
     Namespace& createNamespace(const std::string& fullName);
     const std::vector<std::unique_ptr<Namespace>>& topLevel() const noexcept { return m_topLevel; }
 
-    void contribute(const std::string& namespaceName, ClassSystem::ClassInfoFactory makeInfo);
-    void addContributionsTo(Namespace& home);
+    /// Contributes a class of the host's own, which `reset` keeps. REQUIRES: called at load.
+    void addBuiltIn(const std::string& namespaceName, ClassInfoFactory makeInfo);
+    void contribute(const std::string& namespaceName, ClassInfoFactory makeInfo);
     void createContributedNamespaces();
 
     void reset();
 
 private:
-    ClassRegistry();
-
-    struct Contribution {
-        std::string namespaceName;
-        ClassSystem::ClassInfoFactory makeInfo;
-    };
-
-    static void addContribution(Namespace& home, const Contribution& contribution);
     Namespace* findTopLevel(const std::string& simpleName) const;
     Namespace* knownNamespace(const std::string& fullName) const;
-    void contributeBuiltInClasses();
 
+    Contributions m_builtIn;
+    Contributions m_contributions;
     std::vector<std::unique_ptr<Namespace>> m_topLevel;
-    std::vector<Contribution> m_contributions;
 };
+
+/// The type of that name, built-in or of a registered class; a host error if there is none.
+const nvcos::COSType* typeNamed(const std::string& name);
 
 }  // namespace reference_host
 

@@ -1,6 +1,6 @@
 #include "reference_host/classes/ClassSystem.hpp"
 
-#include "reference_host/classes/ClassError.hpp"
+#include "reference_host/classes/ClassErrors.hpp"
 #include "reference_host/classes/ClassRegistry.hpp"
 
 #include <utility>
@@ -13,7 +13,7 @@ Namespace& namespaceNamed(const std::string& name)
 {
     Namespace* found = ClassRegistry::instance().findNamespace(name);
     if (found == nullptr) {
-        throwClassError("UnknownNamespace", "there is no namespace \"" + name + "\"");
+        throwClassError("UnknownNamespace", {name});
     }
     return *found;
 }

@@ -1,11 +1,9 @@
-/// The bases that libraries derive their descriptors from: what they do when nothing is overridden, and
-/// the count of those that live.
+/// The base classes of descriptors: their default behaviour, and the ledger's count of live descriptors.
 
 #include "host/ClassDescriptors.hpp"
 #include "reference_host/calls/BoundaryCall.hpp"
-#include "reference_host/classes/ClassError.hpp"
-#include "reference_host/classes/DescribeClassArguments.hpp"
-#include "reference_host/classes/Interning.hpp"
+#include "reference_host/classes/ClassErrors.hpp"
+#include "reference_host/classes/Types.hpp"
 #include "reference_host/support/Ledger.hpp"
 
 #include <string>
@@ -18,7 +16,7 @@ reference_host::LedgerCounter& descriptors()
     return counter;
 }
 
-/// Without a name nothing is kept, and nothing crosses the boundary.
+/// A null name is not interned and not journaled.
 nvcos::internal::Interned internMethodName(const char* name)
 {
     using namespace reference_host;
@@ -136,8 +134,7 @@ bool COSNamespaceInfo::attemptToLoadInnerNamespace(COSNamespace* /*cosNamespace*
 void COSNamespaceInfo::throwErrorForDefinitionOfExistingName(COSNamespace* /*cosNamespace*/,
                                                              internal::Interned name)
 {
-    reference_host::throwClassError("DuplicateName", "\"" + std::string(name.c_str()) +
-                                                         "\" is defined already in namespace " + getName());
+    reference_host::throwClassError("DuplicateName", {name.c_str(), getName()});
 }
 
 }  // namespace nvcos

@@ -1,10 +1,10 @@
-/// What class constructors and static methods are to `zmsvFEVAL`: functions, named in full.
+/// Makes class constructors and static methods callable by name, as functions with the full name.
 
 #include "reference_host/calls/HostFunctions.hpp"
-#include "reference_host/classes/ClassError.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/ClassErrors.hpp"
 #include "reference_host/classes/ClassRegistry.hpp"
-#include "reference_host/classes/Interning.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
+#include "reference_host/classes/Types.hpp"
 
 #include <utility>
 
@@ -12,7 +12,7 @@ namespace reference_host {
 
 namespace {
 
-ClassObjects::Arguments argumentsOf(const HostFunctionCall& call)
+ObjectAccess::Arguments argumentsOf(const HostFunctionCall& call)
 {
     return {call.inputs().begin(), call.inputs().end()};
 }
@@ -20,16 +20,15 @@ ClassObjects::Arguments argumentsOf(const HostFunctionCall& call)
 void constructAsFunction(HostFunctionCall& call)
 {
     if (call.outputCount() > 1) {
-        throwClassError("TooManyOutputs",
-                        call.functionName() + " gives 1 output, not " + std::to_string(call.outputCount()));
+        throwClassError("TooManyOutputs:constructor", {call.functionName(), call.outputCount()});
     }
-    call.setOutput(0, ClassObjects::construct(call.functionName(), argumentsOf(call)));
+    call.setOutput(0, ObjectAccess::construct(call.functionName(), argumentsOf(call)));
 }
 
 void callStaticAsFunction(HostFunctionCall& call)
 {
     const SplitName name(call.functionName());
-    ClassObjects::Results results = ClassObjects::callStatic(name.parent, name.simple, argumentsOf(call),
+    ObjectAccess::Results results = ObjectAccess::callStatic(name.parent, name.simple, argumentsOf(call),
                                                              static_cast<int>(call.outputCount()));
     for (std::size_t i = 0; i < results.size(); ++i) {
         call.setOutput(i, std::move(results[i]));
@@ -65,7 +64,7 @@ HostFunction resolve(const std::string& name)
     return function;
 }
 
-/// Runs when the host is loaded, before anybody can call a function.
+/// At load, before any code can call a function.
 [[maybe_unused]] const bool resolverIsSet = [] {
     HostFunctions::setResolver(resolve);
     return true;

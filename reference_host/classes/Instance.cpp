@@ -1,10 +1,12 @@
 #include "reference_host/classes/Instance.hpp"
 
 #include "reference_host/calls/BoundaryCall.hpp"
-#include "reference_host/classes/DescribeClassArguments.hpp"
+#include "reference_host/classes/ClassErrors.hpp"
 #include "reference_host/classes/LibraryCall.hpp"
 #include "reference_host/classes/RegisteredClass.hpp"
 #include "reference_host/support/Ledger.hpp"
+#include "reference_host/values/ValueMaking.hpp"
+#include "reference_host/values/ValueReading.hpp"
 
 namespace reference_host {
 
@@ -52,7 +54,7 @@ void Instance::addReference() noexcept
 
 void Instance::releaseReference() noexcept
 {
-    // The last reference stays counted while the class ends the data: it may refer to the instance.
+    // The last reference stays counted while the class deallocates the data, which may refer to the instance.
     if (m_references == 1) {
         deallocate();
         delete this;
@@ -72,7 +74,7 @@ void Instance::allocate()
     m_hasData = true;
 }
 
-/// A class that throws here breaks its contract with no one left to tell: the process ends.
+/// A class that throws here breaks its contract and ends the process: nothing could handle the error.
 void Instance::deallocate() noexcept
 {
     if (!m_hasData) {
@@ -86,15 +88,66 @@ void Instance::deallocate() noexcept
     }
 }
 
+// Here, and not with the rest of the class, because only this file knows what an instance looks like.
+void* RegisteredClass::getInstanceData(const nvcos::COSInterface* instance) const noexcept
+{
+    const Operation operation("COSClass::getInstanceData", CanFail::Never);
+    return BoundaryCall(operation, instance).runNoThrow([&] {
+        return instance != nullptr ? Instance::of(*instance).data() : nullptr;
+    });
+}
+
+const nvcos::COSInterfacePtr& objectElement(const nvArray* value, std::size_t index)
+{
+    requireAlive(value);
+    const char* operation = CallSite::current().operationName();
+    if (value->valueClass != ValueClass::ClassObject) {
+        throwClassError("NoObject", {operation, describe(value)});
+    }
+    if (index >= elementCount(value)) {
+        throwClassError("BadIndex", {operation, index, elementCount(value)});
+    }
+    return objects(value)[index];
+}
+
 }  // namespace reference_host
+
+using namespace reference_host;
 
 nvcos::COSInterface::COSInterface() = default;
 nvcos::COSInterface::~COSInterface() = default;
 
 void* omGetInstanceData(const nvcos::COSInterface* instance) noexcept
 {
-    using namespace reference_host;
     return BoundaryCall({"omGetInstanceData", CanFail::Never}, instance).runNoThrow([&] {
         return instance != nullptr ? Instance::of(*instance).data() : nullptr;
     });
+}
+
+nvcos::COSInterfacePtr omGetArrayElement(const nvArray* value, std::size_t index)
+{
+    return BoundaryCall({"omGetArrayElement"}, value, index).run([&] {
+        return nvcos::COSInterfacePtr(objectElement(value, index));
+    });
+}
+
+nvArray* omCreateNVCOSScalar(const nvcos::COSInterfacePtr& instance)
+{
+    return BoundaryCall({"omCreateNVCOSScalar"}, instance).run([&]() -> nvArray* {
+        if (!instance) {
+            throwClassError("NoObject:null", {"omCreateNVCOSScalar"});
+        }
+        const std::string& className = Instance::of(*instance.get()).cosClass().fullName();
+        return makeObjects(className, {1, 1}, {instance}).release();
+    });
+}
+
+std::string nvcos::describeArgument(const COSInterface* instance)
+{
+    return instance != nullptr ? "instance of " + Instance::of(*instance).cosClass().fullName() : "null";
+}
+
+std::string nvcos::describeArgument(const COSInterfacePtr& instance)
+{
+    return describeArgument(instance.get());
 }

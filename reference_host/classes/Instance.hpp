@@ -4,19 +4,20 @@
 #include "host/ClassObjects.hpp"
 
 #include <cstddef>
+#include <string>
 
 namespace reference_host {
 
 class RegisteredClass;
 
-/// One object of a class: a count and the native data that the class made for it. The class outlives
-/// its instances. When the last reference goes, the class is asked to end the data.
+/// One object of a class: a reference count, and the native data that the class allocated for it. The class
+/// outlives its instances. When the last reference is released, the class deallocates the data.
 class Instance final : public nvcos::COSInterface {
 public:
     /// A new instance with native data; the constructor method has not run.
     static nvcos::COSInterfacePtr create(RegisteredClass& cosClass);
 
-    /// Every instance that crosses the boundary is one of ours.
+    /// REQUIRES: an instance of this host, as all instances are that cross the boundary.
     static Instance& of(const nvcos::COSInterface& instance);
 
     void addReference() noexcept override;
@@ -38,6 +39,15 @@ private:
     std::size_t m_references = 0;
 };
 
+/// The instance at `index` of an array of class objects. A host error if the value is of another class,
+/// null, or too short.
+const nvcos::COSInterfacePtr& objectElement(const nvArray* value, std::size_t index);
+
 }  // namespace reference_host
+
+namespace nvcos {
+std::string describeArgument(const COSInterface* instance);
+std::string describeArgument(const COSInterfacePtr& instance);
+}  // namespace nvcos
 
 #endif

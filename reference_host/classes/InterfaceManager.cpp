@@ -1,9 +1,8 @@
 #include "reference_host/classes/InterfaceManager.hpp"
 
-#include "reference_host/classes/ClassError.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/ClassErrors.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/classes/RecordClass.hpp"
-#include "reference_host/classes/StaticMethods.hpp"
 #include "reference_host/values/ValueContainers.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"
@@ -30,7 +29,7 @@ OwnedValue makeRenames(const nvArray* /*manager*/)
 
 OwnedValue getInterfaceMgr(const std::vector<const nvArray*>& /*inputs*/)
 {
-    return ClassObjects::construct(interfaceManagerClass);
+    return ObjectAccess::construct(interfaceManagerClass);
 }
 
 bool isName(const nvArray* value)
@@ -55,17 +54,17 @@ void InterfaceManager::renameModel(HostFunctionCall& call)
     const bool fits = call.inputs().size() == 3 && isOfClass(call.input(0), interfaceManagerClass) &&
                       isName(call.input(1)) && isName(call.input(2));
     if (!fits) {
-        throwClassError("WrongArgument", call.functionName() + " takes one " + interfaceManagerClass +
-                                             ", the old name and the new name");
+        throwClassError("WrongArgument:function",
+                        {call.functionName(),
+                         std::string("one ") + interfaceManagerClass + ", the old name and the new name"});
     }
     announced().push_back({text(call.input(1)), text(call.input(2))});
 }
 
 std::unique_ptr<nvcos::COSClassInfo> makeInterfaceManagerClass()
 {
-    return withStaticMethods(
-        makeRecordClass("InterfaceMgr", {computedProperty("Renames", "any", makeRenames)}),
-        {{"getInterfaceMgr", 0, interfaceManagerClass, getInterfaceMgr}});
+    return makeRecordClass("InterfaceMgr", {computedProperty("Renames", "any", makeRenames)},
+                           {{"getInterfaceMgr", 0, interfaceManagerClass, getInterfaceMgr}});
 }
 
 }  // namespace reference_host

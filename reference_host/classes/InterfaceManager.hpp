@@ -13,9 +13,9 @@ namespace reference_host {
 
 inline constexpr const char* interfaceManagerClass = "Zelmar.HMI.InterfaceMgr";
 
-/// The host's interface manager: who in a host with windows would have them follow a model's new name.
-/// This one keeps the announcements, so that scripts and tests can look at them. One for the process;
-/// its objects are handles without data of their own. Main thread only.
+/// The host's interface manager. In a host with windows it would update their titles when a model is renamed;
+/// this one records the renames for scripts and tests. There is one for the process: its objects are handles
+/// without data of their own. Main thread only.
 class ZM_REFHOST_API InterfaceManager {
 public:
     InterfaceManager() = delete;

@@ -1,7 +1,6 @@
 #include "reference_host/classes/MethodCall.hpp"
 
-#include "reference_host/classes/ClassError.hpp"
-#include "reference_host/classes/DescribeClassArguments.hpp"
+#include "reference_host/classes/ClassErrors.hpp"
 #include "reference_host/classes/LibraryCall.hpp"
 #include "reference_host/classes/Types.hpp"
 #include "reference_host/classes/ValueConversion.hpp"
@@ -16,7 +15,7 @@
 
 namespace reference_host {
 
-/// The slots that a method fills. What is written into them is the host's; what nobody takes ends here.
+/// The slots that a method fills. Values in them belong to the host; those that are not taken are destroyed.
 class MethodCall::Outputs {
 public:
     explicit Outputs(std::size_t count) : m_slots(count) {}
@@ -28,7 +27,7 @@ public:
             try {
                 take(i);
             } catch (const std::exception&) {
-                continue;  // a value that was not the method's to give; the ledger has counted it
+                continue;  // the value did not belong to the method; the ledger has counted the misuse
             }
         }
     }
@@ -37,7 +36,7 @@ public:
     nvcos::COSValue* data() noexcept { return m_slots.data(); }
     std::span<const nvcos::COSValue> values() const noexcept { return m_slots; }
 
-    /// A constructor finds its new object in the first slot. It stays the caller's.
+    /// Puts the new object into the first slot for a constructor. The caller keeps it.
     void showObject(nvArray* object)
     {
         m_slots.resize(std::max<std::size_t>(m_slots.size(), 1));
@@ -50,7 +49,7 @@ public:
         return value != nullptr && *value == m_object;
     }
 
-    /// Misuse when one value stands in two slots. It ends once: the second slot no longer has it.
+    /// Misuse if one value is in two slots. The second slot is cleared, so that the value is destroyed once.
     void checkGivenOnce(const std::string& method)
     {
         for (std::size_t i = 0; i < m_slots.size(); ++i) {
@@ -58,8 +57,7 @@ public:
             for (std::size_t j = i + 1; first != nullptr && *first != nullptr && j < m_slots.size(); ++j) {
                 if (m_slots[j] == m_slots[i]) {
                     m_slots[j] = {};
-                    throwMisuse("OutputGivenTwice",
-                                {method, std::uint64_t{i + 1}, std::uint64_t{j + 1}, describe(*first)});
+                    throwMisuse("OutputGivenTwice", {method, i + 1, j + 1, describe(*first)});
                 }
             }
         }
@@ -119,23 +117,18 @@ void MethodCall::runConstructor(nvArray* object, const Arguments& arguments)
     outputs.showObject(object);
     invoke(1, outputs);
     if (!outputs.showsObject()) {
-        throwClassError("ObjectReplaced",
-                        "the constructor " + m_name + " put another value in its object's place",
-                        {m_class.fullName(), m_method.name});
+        throwClassError("ObjectReplaced", {m_class.fullName(), m_method.name});
     }
 }
 
 std::size_t MethodCall::resultCount(int outputCount) const
 {
     const std::size_t declared = m_signature.outputs().size();
-    if (outputCount == ClassObjects::AllOutputs) {
+    if (outputCount == AllOutputs) {
         return declared;
     }
     if (outputCount < 0 || static_cast<std::size_t>(outputCount) > declared) {
-        throwClassError(
-            "TooManyOutputs",
-            m_name + " gives " + std::to_string(declared) + " output(s), not " + std::to_string(outputCount),
-            {m_class.fullName(), m_method.name});
+        throwClassError("TooManyOutputs", {m_class.fullName(), m_method.name, declared, outputCount});
     }
     return static_cast<std::size_t>(outputCount);
 }
@@ -153,7 +146,7 @@ void MethodCall::convertInputs(const nvArray* object, const Arguments& arguments
     for (std::size_t i = 0; i < all.size(); ++i) {
         const std::string complaint = convertToType(all[i], *m_signature.inputs()[i], m_inputs[i]);
         if (!complaint.empty()) {
-            throwArgumentError("WrongArgument", i + 1 - objects, complaint);
+            throwClassError("WrongArgument", {m_class.fullName(), m_method.name, i + 1 - objects, complaint});
         }
         m_loans.emplace_back(all[i]);
     }
@@ -161,26 +154,31 @@ void MethodCall::convertInputs(const nvArray* object, const Arguments& arguments
 
 void MethodCall::checkArgumentCount(std::size_t count, std::size_t objects) const
 {
-    const std::size_t declared = m_signature.inputs().size();
+    const std::size_t declared = m_signature.inputs().size() - objects;
     if (count + objects < m_signature.requiredInputs()) {
-        const std::size_t missing = count + objects;
-        throwArgumentError("TooFewArguments", count + 1,
-                           "is missing (" + m_signature.inputs()[missing]->name + ")");
+        const nvcos::COSType& missing = *m_signature.inputs()[count + objects];
+        throwClassError("TooFewArguments", {m_class.fullName(), m_method.name, count + 1, missing.name});
     }
-    if (count + objects > declared) {
-        throwArgumentError(
-            "TooManyArguments", declared - objects + 1,
-            "is one too many: at most " + std::to_string(declared - objects) + " can be given");
+    if (count > declared) {
+        throwClassError("TooManyArguments", {m_class.fullName(), m_method.name, declared + 1, declared});
     }
 }
 
-void MethodCall::throwArgumentError(const char* key, std::size_t position, const std::string& why) const
+/// "Zelmar.HMI.X.add: argument 1" if one argument only was not checked by its type, else "Zelmar.HMI.X.add".
+std::string MethodCall::context() const
 {
-    throwClassError(key, m_name + ": argument " + std::to_string(position) + " " + why,
-                    {m_class.fullName(), m_method.name, std::uint64_t{position}});
+    const auto isAny = [](const nvcos::COSType* type) { return type->kind == nvcos::COSType::Kind::Any; };
+    const auto& types = m_signature.inputs();
+    const auto any = std::ranges::find_if(types, isAny);
+    if (std::ranges::count_if(types, isAny) != 1) {
+        return m_name;
+    }
+    const std::size_t objects = m_class.isInstanceMethod(m_method) ? 1 : 0;
+    const auto position = static_cast<std::size_t>(any - types.begin()) + 1 - objects;
+    return m_name + ": argument " + std::to_string(position);
 }
 
-/// The count that the body leaves may be too small; what it wrote is taken all the same.
+/// Takes every output that the body wrote, also those that the returned count does not cover.
 void MethodCall::invoke(int outputCount, Outputs& outputs) const
 {
     const auto body = [&] {
@@ -189,16 +187,14 @@ void MethodCall::invoke(int outputCount, Outputs& outputs) const
         return NativeValues{outputs.values()};
     };
     if (m_class.isLibraryClass()) {
-        callLibrary("invoke", body, m_name, NativeValues{m_inputs}, outputCount);
+        withContext([&] { callLibrary("invoke", body, m_name, NativeValues{m_inputs}, outputCount); },
+                    [this] { return context(); });
     } else {
         body();
     }
     outputs.checkGivenOnce(m_name);
     if (outputCount < 0 || static_cast<std::size_t>(outputCount) > outputs.size()) {
-        throwClassError("BadOutputCount",
-                        m_name + " says that it gives " + std::to_string(outputCount) +
-                            " outputs; it declares " + std::to_string(outputs.size()),
-                        {m_class.fullName(), m_method.name});
+        throwClassError("BadOutputCount", {m_class.fullName(), m_method.name, outputCount, outputs.size()});
     }
 }
 

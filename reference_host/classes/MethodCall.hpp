@@ -1,19 +1,22 @@
 #ifndef ZM_REFERENCE_HOST_CLASSES_METHOD_CALL_HPP
 #define ZM_REFERENCE_HOST_CLASSES_METHOD_CALL_HPP
 
-#include "reference_host/classes/ClassObjects.hpp"
 #include "reference_host/classes/RegisteredClass.hpp"
+#include "reference_host/values/Value.hpp"
 
+#include <string>
 #include <vector>
 
 namespace reference_host {
 
-/// One call of one method: arguments checked and converted, the method run, its outputs taken. Made for
-/// the call and gone with it.
+/// One call of one method: checks and converts the arguments, runs the method and takes its outputs. Used
+/// for one call only.
 class MethodCall {
 public:
-    using Arguments = ClassObjects::Arguments;
-    using Results = ClassObjects::Results;
+    using Arguments = std::vector<const nvArray*>;
+    using Results = std::vector<OwnedValue>;
+
+    static constexpr int AllOutputs = -1;
 
     /// REQUIRES: the class outlives the call.
     MethodCall(const RegisteredClass& cosClass, const RegisteredClass::Method& method);
@@ -31,7 +34,7 @@ private:
     void convertInputs(const nvArray* object, const Arguments& arguments);
     void checkArgumentCount(std::size_t count, std::size_t objects) const;
     void invoke(int outputCount, Outputs& outputs) const;
-    [[noreturn]] void throwArgumentError(const char* key, std::size_t position, const std::string& why) const;
+    std::string context() const;
 
     const RegisteredClass& m_class;
     const RegisteredClass::Method& m_method;

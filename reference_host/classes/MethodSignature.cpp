@@ -1,11 +1,9 @@
 #include "reference_host/classes/MethodSignature.hpp"
 
 #include "reference_host/calls/BoundaryCall.hpp"
-#include "reference_host/classes/ClassError.hpp"
-#include "reference_host/classes/DescribeClassArguments.hpp"
+#include "reference_host/classes/ClassErrors.hpp"
+#include "reference_host/classes/Types.hpp"
 #include "reference_host/support/Ledger.hpp"
-
-#include <string>
 
 namespace reference_host {
 
@@ -58,8 +56,7 @@ void MethodSignature::setNumberOfOptionalInputs(int count)
 void MethodSignature::appendInput(const nvcos::COSType* type)
 {
     if (type == nullptr) {
-        throwClassError("NullType",
-                        "input " + std::to_string(m_inputs.size() + 1) + " of a signature has no type");
+        throwClassError("NullType:input", {m_inputs.size() + 1});
     }
     m_inputs.push_back(type);
 }
@@ -67,8 +64,7 @@ void MethodSignature::appendInput(const nvcos::COSType* type)
 void MethodSignature::appendOutput(const nvcos::COSType* type)
 {
     if (type == nullptr) {
-        throwClassError("NullType",
-                        "output " + std::to_string(m_outputs.size() + 1) + " of a signature has no type");
+        throwClassError("NullType:output", {m_outputs.size() + 1});
     }
     m_outputs.push_back(type);
 }
@@ -76,8 +72,7 @@ void MethodSignature::appendOutput(const nvcos::COSType* type)
 void MethodSignature::makeInputsOptional(int count)
 {
     if (count < 0 || static_cast<std::size_t>(count) > m_inputs.size()) {
-        throwClassError("BadOptionalInputs", std::to_string(count) + " optional inputs in a signature of " +
-                                                 std::to_string(m_inputs.size()));
+        throwClassError("BadOptionalInputs", {count, m_inputs.size()});
     }
     m_optionalInputs = static_cast<std::size_t>(count);
 }
@@ -93,4 +88,9 @@ nvcos::COSMethodSignature* nvcos::COSMethodSignature::createMethodSignature()
     return BoundaryCall(Operation("COSMethodSignature::createMethodSignature")).run([] {
         return static_cast<COSMethodSignature*>(new MethodSignature);
     });
+}
+
+std::string nvcos::describeArgument(const COSMethodSignature* signature)
+{
+    return signature != nullptr ? "signature" : "null";
 }

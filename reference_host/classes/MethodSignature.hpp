@@ -5,6 +5,7 @@
 #include "reference_host/Export.hpp"
 
 #include <cstddef>
+#include <string>
 #include <vector>
 
 namespace reference_host {
@@ -24,7 +25,7 @@ public:
     void appendOutput(const nvcos::COSType* type);
     void makeInputsOptional(int count);
 
-    /// Tells the ledger whether the signature is one that stays open, as those of registered methods do.
+    /// Declares to the ledger whether the signature stays open, as those of registered methods do.
     void setMeantToLive(bool isMeant) const noexcept;
 
     const std::vector<const nvcos::COSType*>& inputs() const noexcept { return m_inputs; }
@@ -40,5 +41,9 @@ private:
 };
 
 }  // namespace reference_host
+
+namespace nvcos {
+std::string describeArgument(const COSMethodSignature* signature);
+}
 
 #endif

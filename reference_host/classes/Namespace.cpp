@@ -1,11 +1,9 @@
 #include "reference_host/classes/Namespace.hpp"
 
 #include "reference_host/calls/BoundaryCall.hpp"
-#include "reference_host/classes/ClassError.hpp"
-#include "reference_host/classes/ClassRegistry.hpp"
-#include "reference_host/classes/DescribeClassArguments.hpp"
-#include "reference_host/classes/Interning.hpp"
+#include "reference_host/classes/ClassErrors.hpp"
 #include "reference_host/classes/LibraryCall.hpp"
+#include "reference_host/classes/Types.hpp"
 
 #include <algorithm>
 #include <cstring>
@@ -28,14 +26,28 @@ auto* findBySimpleName(const Members& members, const std::string& name)
 void checkSimpleName(const char* kind, const char* name)
 {
     if (name == nullptr || *name == '\0') {
-        throwClassError("NoName", "a " + std::string(kind) + " without a name was added");
+        throwClassError("NoName", {kind});
     }
     if (std::strchr(name, '.') != nullptr) {
-        throwClassError("BadName", "\"" + std::string(name) + "\" cannot be the name of a " + kind);
+        throwClassError("BadName", {name, kind});
     }
 }
 
-Namespace::Namespace(std::string fullName) : m_fullName(std::move(fullName)) {}
+SplitName::SplitName(const std::string& fullName)
+{
+    const std::size_t dot = fullName.rfind('.');
+    if (dot == std::string::npos) {
+        simple = fullName;
+        return;
+    }
+    parent = fullName.substr(0, dot);
+    simple = fullName.substr(dot + 1);
+}
+
+Namespace::Namespace(std::string fullName, const Contributions& contributions)
+    : m_fullName(std::move(fullName)), m_contributions(contributions)
+{
+}
 
 Namespace::~Namespace() = default;
 
@@ -64,7 +76,7 @@ Namespace& Namespace::insertNamespace(const char* name, nvcos::COSNamespaceInfo*
 {
     define();
     checkNewName("namespace", name);
-    m_inner.push_back(std::make_unique<Namespace>(m_fullName + "." + name));
+    m_inner.push_back(std::make_unique<Namespace>(m_fullName + "." + name, m_contributions));
     m_inner.back()->adopt(info);
     return *m_inner.back();
 }
@@ -88,8 +100,7 @@ void Namespace::checkNewName(const char* kind, const char* name)
     if (m_info) {
         m_info->throwErrorForDefinitionOfExistingName(this, intern(name));
     }
-    throwClassError("DuplicateName",
-                    "\"" + std::string(name) + "\" is defined already in namespace " + m_fullName);
+    throwClassError("DuplicateName", {name, m_fullName});
 }
 
 void Namespace::define()
@@ -99,7 +110,7 @@ void Namespace::define()
     }
     m_state = State::Defining;
     try {
-        ClassRegistry::instance().addContributionsTo(*this);
+        addContributions();
         if (m_info) {
             callLibrary(
                 "defineContents", [this] { m_info->defineContents(this); }, m_fullName);
@@ -110,6 +121,25 @@ void Namespace::define()
         throw;
     }
     m_state = State::Defined;
+}
+
+void Namespace::addContributions()
+{
+    // A factory may contribute more classes. Those are added at once, and are not to be added again here.
+    const std::size_t count = m_contributions.size();
+    for (std::size_t i = 0; i < count; ++i) {
+        const Contribution contribution = m_contributions[i];
+        if (contribution.namespaceName == m_fullName) {
+            insertContributed(contribution);
+        }
+    }
+}
+
+void Namespace::insertContributed(const Contribution& contribution)
+{
+    std::unique_ptr<nvcos::COSClassInfo> info = contribution.makeInfo();
+    insertClass(info.get(), ClassOrigin::HostCode);
+    static_cast<void>(info.release());
 }
 
 void Namespace::removeContents()
@@ -183,20 +213,9 @@ void Namespace::listInstances(std::vector<std::string>& lines) const
 nvcos::COSNamespace::COSNamespace() = default;
 nvcos::COSNamespace::~COSNamespace() = default;
 
-nvcos::COSNamespace* nvcos::COSNamespace::getNamespace(internal::Interned fullName)
+std::string nvcos::describeArgument(const COSNamespace* cosNamespace)
 {
-    using namespace reference_host;
-    const Operation operation("COSNamespace::getNamespace", CanFail::ThrowingOrNull);
-    return BoundaryCall(operation, fullName).run([&]() -> COSNamespace* {
-        return fullName.isNull() ? nullptr : ClassRegistry::instance().findNamespace(fullName.c_str());
-    });
-}
-
-void nvcos::COSNamespace::addNamespace(COSNamespaceInfo* info)
-{
-    const char* name = info != nullptr ? info->getName() : nullptr;
-    using namespace reference_host;
-    BoundaryCall({"COSNamespace::addNamespace"}, name).run([&] {
-        ClassRegistry::instance().insertNamespace(name, info);
-    });
+    using reference_host::Namespace;
+    return cosNamespace != nullptr ? "namespace " + static_cast<const Namespace*>(cosNamespace)->fullName()
+                                   : "null";
 }

@@ -1,11 +1,13 @@
 #include "reference_host/classes/RecordClass.hpp"
 
-#include "reference_host/classes/ClassError.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/ClassErrors.hpp"
+#include "reference_host/classes/ClassRegistry.hpp"
 #include "reference_host/classes/Instance.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/classes/RegisteredClass.hpp"
 #include "reference_host/classes/Types.hpp"
 #include "reference_host/classes/ValueConversion.hpp"
+#include "reference_host/support/QuotedText.hpp"
 #include "reference_host/values/Value.hpp"
 #include "reference_host/values/ValueContainers.hpp"
 #include "reference_host/values/ValueMaking.hpp"
@@ -79,8 +81,7 @@ public:
         OwnedValue copy = array != nullptr ? copyDeep(*array) : makeValue(value);
         const std::string complaint = property().check ? property().check(copy.get()) : std::string();
         if (!complaint.empty()) {
-            throwClassError("WrongValue", fullName(instance) + "." + getName() + " " + complaint,
-                            {fullName(instance), std::string(getName())});
+            throwClassError("WrongValue", {fullName(instance), getName(), complaint});
         }
         replaceField(valuesOf(instance), 0, getName(), std::move(copy));
     }
@@ -138,10 +139,11 @@ private:
     void assign(nvArray* object, const std::string& name, const nvArray* value) const
     {
         if (!isStored(name)) {
-            throwArgumentError("has the field \"" + name + "\", which is no property that can be set");
+            throwArgumentError("has the field " + quotedText(name) +
+                               ", which is no property that can be set");
         }
         if (value != nullptr) {
-            ClassObjects::setProperty(object, name, value);
+            ObjectAccess::setProperty(object, name, value);
         }
     }
     bool isStored(const std::string& name) const
@@ -152,9 +154,7 @@ private:
     }
     [[noreturn]] void throwArgumentError(const std::string& why) const
     {
-        throwClassError("WrongArgument",
-                        m_class.fullName() + "." + m_class.simpleName() + ": argument 1 " + why,
-                        {m_class.fullName(), m_class.simpleName(), std::uint64_t{1}});
+        throwClassError("WrongArgument", {m_class.fullName(), m_class.simpleName(), 1U, why});
     }
 
     Properties m_properties;
@@ -162,11 +162,43 @@ private:
     MethodSignature m_signature;
 };
 
+class StaticMethodInfo final : public nvcos::COSMethodInfo {
+public:
+    explicit StaticMethodInfo(StaticMethod method)
+        : COSMethodInfo(method.name.c_str()), m_method(std::move(method))
+    {
+        for (std::size_t i = 0; i < m_method.inputCount; ++i) {
+            m_signature.appendInput(findBuiltInType("any"));
+        }
+        m_signature.appendOutput(typeNamed(m_method.outputType));
+    }
+
+    const nvcos::COSMethodSignature* getSignature() const noexcept override { return &m_signature; }
+
+    void invoke(const nvcos::COSClient* /*client*/, int& outputCount, COSValue* outputs, int inputCount,
+                const COSValue* inputs) const override
+    {
+        std::vector<const nvArray*> values;
+        values.reserve(static_cast<std::size_t>(inputCount));
+        for (int i = 0; i < inputCount; ++i) {
+            values.push_back(std::get<nvArray*>(inputs[i]));
+        }
+        outputs[0] = m_method.body(values).release();
+        outputCount = 1;
+    }
+
+private:
+    StaticMethod m_method;
+    MethodSignature m_signature;
+};
+
 class RecordClassInfo final : public nvcos::COSClassInfo {
 public:
-    RecordClassInfo(std::string simpleName, std::vector<RecordProperty> properties)
+    RecordClassInfo(std::string simpleName, std::vector<RecordProperty> properties,
+                    std::vector<StaticMethod> staticMethods)
         : m_name(std::move(simpleName)),
-          m_properties(std::make_shared<const std::vector<RecordProperty>>(std::move(properties)))
+          m_properties(std::make_shared<const std::vector<RecordProperty>>(std::move(properties))),
+          m_staticMethods(std::move(staticMethods))
     {
     }
 
@@ -185,9 +217,10 @@ public:
             home.insertProperty(info.get());
             static_cast<void>(info.release());
         }
-        auto constructor = std::make_unique<RecordConstructor>(m_properties, home);
-        home.insertMethod(constructor.get());
-        static_cast<void>(constructor.release());
+        addMethod(home, std::make_unique<RecordConstructor>(m_properties, home));
+        for (const StaticMethod& method : m_staticMethods) {
+            addMethod(home, std::make_unique<StaticMethodInfo>(method));
+        }
     }
 
     void* allocateInstance(COSInterface* /*instance*/) override
@@ -215,16 +248,25 @@ public:
     }
 
 private:
+    static void addMethod(RegisteredClass& home, std::unique_ptr<nvcos::COSMethodInfo> method)
+    {
+        home.insertMethod(method.get());
+        static_cast<void>(method.release());
+    }
+
     std::string m_name;
     Properties m_properties;
+    std::vector<StaticMethod> m_staticMethods;
 };
 
 }  // namespace
 
 std::unique_ptr<nvcos::COSClassInfo> makeRecordClass(std::string simpleName,
-                                                     std::vector<RecordProperty> properties)
+                                                     std::vector<RecordProperty> properties,
+                                                     std::vector<StaticMethod> staticMethods)
 {
-    return std::make_unique<RecordClassInfo>(std::move(simpleName), std::move(properties));
+    return std::make_unique<RecordClassInfo>(std::move(simpleName), std::move(properties),
+                                             std::move(staticMethods));
 }
 
 void endRecordValues()

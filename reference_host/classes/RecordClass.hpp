@@ -27,15 +27,26 @@ struct RecordProperty {
                                               ///< each read; `makeDefault` is not used then
 };
 
-/// Describes a class written in host code: its objects hold one value a property. Its constructor takes
-/// nothing, or one struct with any of the properties as fields, each assigned in turn; a field that is
-/// no stored property is a host error that names it. `ClassSystem::contributeClass` puts it in a
-/// namespace.
-ZM_REFHOST_API std::unique_ptr<nvcos::COSClassInfo> makeRecordClass(std::string simpleName,
-                                                                    std::vector<RecordProperty> properties);
+/// A method of a class of host code that needs no object. It takes values of any type and gives one.
+struct StaticMethod {
+    /// The inputs are borrowed; their number is as declared. A null result means an empty value.
+    using Body = std::function<OwnedValue(const std::vector<const nvArray*>& inputs)>;
 
-/// Ends the property values of all objects of such classes, for the end of a program: objects that hold each
-/// other through their properties never end by themselves. An object that lives on has no values then.
+    std::string name;
+    std::size_t inputCount = 0;
+    std::string outputType;  ///< a type name; the class itself may be named
+    Body body;
+};
+
+/// Describes a class of host code with one value for each property. Its constructor takes nothing, or one
+/// struct whose fields are assigned to the properties of their names; a field that is no stored property is a
+/// host error that names it. `ClassSystem::contributeClass` puts the class in a namespace.
+ZM_REFHOST_API std::unique_ptr<nvcos::COSClassInfo> makeRecordClass(
+    std::string simpleName, std::vector<RecordProperty> properties,
+    std::vector<StaticMethod> staticMethods = {});
+
+/// Destroys the property values of all objects of such classes, for the end of a program: objects that refer
+/// to each other in a circle are never released. Remaining objects have no values afterwards.
 /// REQUIRES: no call is under way.
 ZM_REFHOST_API void endRecordValues();
 

@@ -7,7 +7,7 @@
 
 namespace reference_host {
 
-/// Tells the ledger that a descriptor with its memory and its signature is, or no longer is, meant to live.
+/// Declares to the ledger whether a descriptor, with its memory and its signature, is meant to live.
 void setMeantToLive(const nvcos::COSNamespaceInfo& descriptor, bool isMeant) noexcept;
 void setMeantToLive(const nvcos::COSClassInfo& descriptor, bool isMeant) noexcept;
 void setMeantToLive(const nvcos::COSPropInfo& descriptor, bool isMeant) noexcept;
@@ -22,12 +22,11 @@ struct RegisteredDeleter {
     }
 };
 
-/// Owns a descriptor that is registered. It is meant to live for as long as it is; what is left of it
-/// afterwards is open.
+/// Owns a registered descriptor. While it is registered the ledger does not list it.
 template <class Descriptor>
 using Registered = std::unique_ptr<Descriptor, RegisteredDeleter>;
 
-/// Becomes the owner; null owns nothing.
+/// Takes ownership; null is allowed.
 template <class Descriptor>
 Registered<Descriptor> registered(Descriptor* descriptor) noexcept
 {

@@ -1,9 +1,7 @@
 #include "reference_host/classes/RegisteredClass.hpp"
 
 #include "reference_host/calls/BoundaryCall.hpp"
-#include "reference_host/classes/ClassError.hpp"
-#include "reference_host/classes/DescribeClassArguments.hpp"
-#include "reference_host/classes/Instance.hpp"
+#include "reference_host/classes/ClassErrors.hpp"
 #include "reference_host/classes/LibraryCall.hpp"
 #include "reference_host/classes/Types.hpp"
 
@@ -48,12 +46,11 @@ RegisteredClass::~RegisteredClass() = default;
 void RegisteredClass::checkMemberName(const char* kind, const char* name) const
 {
     if (name == nullptr || *name == '\0') {
-        throwClassError("NoName", "a " + std::string(kind) + " of class " + m_fullName + " has no name");
+        throwClassError("NoName:member", {kind, m_fullName});
     }
     const bool taken = findByName(m_methods, name) != nullptr || findByName(m_properties, name) != nullptr;
     if (taken) {
-        throwClassError("DuplicateMember", "class " + m_fullName + " has a member \"" + name +
-                                               "\" already; a second, a " + kind + ", was added");
+        throwClassError("DuplicateMember", {m_fullName, name, kind});
     }
 }
 
@@ -67,13 +64,11 @@ void RegisteredClass::insertProperty(nvcos::COSPropInfo* property)
 {
     const char* name = property != nullptr ? property->getName() : nullptr;
     checkMemberName("property", name);
-    const std::string member = m_fullName + "." + name;
     if (property->getType() == nullptr) {
-        throwClassError("NullType", "property " + member + " has no type");
+        throwClassError("NullType", {m_fullName, name});
     }
     if (!isKnownAccess(property->getAccess())) {
-        throwClassError("BadAccess", "property " + member + " has the unknown access code " +
-                                         std::to_string(property->getAccess()));
+        throwClassError("BadAccess", {m_fullName, name, property->getAccess()});
     }
     m_properties.push_back({name, nullptr});
     m_properties.back().info = registered(property);
@@ -90,18 +85,10 @@ void RegisteredClass::insertMethod(nvcos::COSMethodInfo* method)
     const char* name = method != nullptr ? method->getName() : nullptr;
     checkMemberName("method", name);
     if (method->getSignature() == nullptr) {
-        throwClassError("NoSignature", "method " + m_fullName + "." + name + " has no signature");
+        throwClassError("NoSignature", {m_fullName, name});
     }
     m_methods.push_back({name, nullptr});
     m_methods.back().info = registered(method);
-}
-
-void* RegisteredClass::getInstanceData(const nvcos::COSInterface* instance) const noexcept
-{
-    const Operation operation("COSClass::getInstanceData", CanFail::Never);
-    return BoundaryCall(operation, instance).runNoThrow([&] {
-        return instance != nullptr ? Instance::of(*instance).data() : nullptr;
-    });
 }
 
 void RegisteredClass::initialize()
@@ -163,8 +150,7 @@ const MethodSignature& signatureOf(const RegisteredClass& cosClass, const Regist
 {
     const auto* signature = dynamic_cast<const MethodSignature*>(method.info->getSignature());
     if (signature == nullptr) {
-        throwClassError("NoSignature",
-                        "method " + cosClass.fullName() + "." + method.name + " has no signature");
+        throwClassError("NoSignature", {cosClass.fullName(), method.name});
     }
     return *signature;
 }
@@ -173,7 +159,7 @@ const nvcos::COSType& typeOf(const RegisteredClass& cosClass, const RegisteredCl
 {
     const nvcos::COSType* type = property.info->getType();
     if (type == nullptr) {
-        throwClassError("NullType", "property " + cosClass.fullName() + "." + property.name + " has no type");
+        throwClassError("NullType", {cosClass.fullName(), property.name});
     }
     return *type;
 }

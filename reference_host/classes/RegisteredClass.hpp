@@ -11,10 +11,10 @@
 
 namespace reference_host {
 
-/// Who the host says it is when it calls a class.
+/// The client that the host passes when it calls a class.
 const nvcos::COSClient* hostClient();
 
-/// Where a class comes from. What enters a library's class is journaled; the host's own is not.
+/// The origin of a class. Calls into a library's class are journaled, calls into the host's own are not.
 enum class ClassOrigin { Library, HostCode };
 
 /// A class in the tree: its descriptors, and how many instances live.

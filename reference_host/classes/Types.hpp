@@ -15,16 +15,23 @@ struct nvcos::COSType {
 
 namespace reference_host {
 
-/// The built-in type of that name, or null.
+/// The built-in type of that name, or null. Types are never destroyed.
 const nvcos::COSType* findBuiltInType(const std::string& name);
 
-/// The type of that name, built-in or of a registered class; a host error when there is none.
-const nvcos::COSType* typeNamed(const std::string& name);
-
-/// The type of a class by its full name, made on first use. Lives as long as the process, whether or
-/// not such a class is registered.
+/// The type of a class by its full name, created on first use, whether or not the class is registered.
 const nvcos::COSType* classType(const std::string& fullName);
 
+/// `nvcos::internal::makeInterned` for the host's own use, outside the journal.
+nvcos::internal::Interned intern(const char* name);
+
 }  // namespace reference_host
+
+// For the journal, found by argument-dependent lookup; so are the overloads beside the other classes.
+namespace nvcos {
+std::string describeArgument(const COSType* type);
+namespace internal {
+std::string describeArgument(Interned name);
+}
+}  // namespace nvcos
 
 #endif

@@ -1,5 +1,6 @@
 #include "reference_host/classes/ValueConversion.hpp"
 
+#include "reference_host/calls/CallArguments.hpp"
 #include "reference_host/classes/Types.hpp"
 #include "reference_host/values/Value.hpp"
 #include "reference_host/values/ValueMaking.hpp"
@@ -130,6 +131,27 @@ struct ValueMaker {
     OwnedValue operator()(nvArray* /*value*/) const { return nullptr; }  // excluded by the caller
 };
 
+struct NativeValueText {
+    std::string operator()(std::monostate) const { return "nothing"; }
+    std::string operator()(const std::u16string& value) const
+    {
+        return describeArgument(std::u16string_view(value));
+    }
+    std::string operator()(const std::string& value) const
+    {
+        return describeArgument(std::string_view(value));
+    }
+    template <class Value>
+    std::string operator()(Value value) const
+    {
+        return describeArgument(value);
+    }
+    std::string operator()(nvArray* value) const
+    {
+        return describeArgument(static_cast<const nvArray*>(value));
+    }
+};
+
 }  // namespace
 
 std::string convertToType(const nvArray* value, const COSType& type, COSValue& converted)
@@ -146,6 +168,15 @@ std::string convertToType(const nvArray* value, const COSType& type, COSValue& c
 OwnedValue makeValue(const COSValue& value)
 {
     return std::visit(ValueMaker{}, value);
+}
+
+std::string describeArgument(const NativeValues& values)
+{
+    std::string text;
+    for (const nvcos::COSValue& value : values.values) {
+        text += (text.empty() ? "" : ", ") + std::visit(NativeValueText{}, value);
+    }
+    return "(" + text + ")";
 }
 
 }  // namespace reference_host

@@ -4,12 +4,13 @@
 #include "host/ClassObjects.hpp"
 #include "reference_host/values/Value.hpp"
 
+#include <span>
 #include <string>
 
 namespace reference_host {
 
-/// Converts a value to what method bodies and properties of a declared type see. Returns why it cannot
-/// be done, as the end of a sentence ("must be a uint32 scalar, not \"abc\""), or an empty text.
+/// Converts a value to the native type behind a declared type. Returns an empty text, or the reason for which
+/// it cannot be converted, as the end of a sentence ("must be text, not double 2").
 ///
 ///   texts      a character row, or any empty character or numeric value
 ///   numbers    a real number or a logical, 1-by-1; for the integer types without a fraction, in range
@@ -22,6 +23,12 @@ std::string convertToType(const nvArray* value, const nvcos::COSType& type, nvco
 ///
 /// REQUIRES: `value` holds no `nvArray*`.
 OwnedValue makeValue(const nvcos::COSValue& value);
+
+/// Values that cross to or from a library, for the journal.
+struct NativeValues {
+    std::span<const nvcos::COSValue> values;
+};
+std::string describeArgument(const NativeValues& values);
 
 }  // namespace reference_host
 

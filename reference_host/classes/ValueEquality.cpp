@@ -1,8 +1,8 @@
 #include "reference_host/classes/ValueEquality.hpp"
 
-#include "reference_host/classes/ClassError.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/ClassErrors.hpp"
 #include "reference_host/classes/ClassReflection.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/values/NumericTypes.hpp"
 #include "reference_host/values/ValueContainers.hpp"
 #include "reference_host/values/ValueMaking.hpp"
@@ -147,8 +147,8 @@ private:
                 continue;
             }
             any = true;
-            const OwnedValue a = ClassObjects::getProperty(left, property.name, index);
-            const OwnedValue b = ClassObjects::getProperty(right, property.name, index);
+            const OwnedValue a = ObjectAccess::getProperty(left, property.name, index);
+            const OwnedValue b = ObjectAccess::getProperty(right, property.name, index);
             if (!values(a.get(), b.get())) {
                 return false;
             }
@@ -170,8 +170,8 @@ bool areEqual(const nvArray* left, const nvArray* right)
 void isEqual(HostFunctionCall& call)
 {
     if (call.inputs().size() != 2) {
-        throwClassError("WrongArgument", call.functionName() + " takes two values, not " +
-                                             std::to_string(call.inputs().size()));
+        throwClassError("WrongArgument:function",
+                        {call.functionName(), "two values, not " + std::to_string(call.inputs().size())});
     }
     call.setOutput(0, makeLogical(areEqual(call.input(0), call.input(1))));
 }

@@ -20,7 +20,7 @@ namespace reference_host {
 ///  - Null, an unset field and an unset cell count as the empty value, a 0-by-0 number.
 ///  - Objects are handles. Two of the same instance are equal. Two instances of one class are equal when
 ///    all properties that scripts may assign are, as they read; instances of a class without such a
-///    property are never. A pair that is met again inside itself decides nothing.
+///    property are never equal. Cycles are ignored.
 ///
 /// Reading properties runs the code of their classes, whose errors pass through.
 ZM_REFHOST_API bool areEqual(const nvArray* left, const nvArray* right);

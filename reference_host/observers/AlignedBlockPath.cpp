@@ -2,7 +2,7 @@
 
 #include "host/Text.hpp"
 #include "reference_host/calls/HostFunctions.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/model/DiagramErrors.hpp"
 #include "reference_host/model/OpenModels.hpp"
 #include "reference_host/values/ValueMaking.hpp"
@@ -27,7 +27,7 @@ Block* findByAnyZid(const std::string& zid, const std::u16string& path)
 
 std::u16string readText(const nvArray* object, const char* name)
 {
-    const OwnedValue value = ClassObjects::getProperty(object, name);
+    const OwnedValue value = ObjectAccess::getProperty(object, name);
     return text(value.get());
 }
 

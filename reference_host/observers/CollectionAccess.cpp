@@ -1,7 +1,7 @@
 #include "reference_host/observers/CollectionAccess.hpp"
 
 #include "host/Text.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/model/DiagramErrors.hpp"
 #include "reference_host/model/OpenModels.hpp"
 #include "reference_host/values/ValueContainers.hpp"
@@ -17,7 +17,7 @@ namespace {
 OwnedValue ask(const nvArray* collection, const char* method, std::size_t index)
 {
     const OwnedValue scriptIndex = methodIndex(index);
-    return std::move(ClassObjects::callMethod(collection, method, {scriptIndex.get()}).front());
+    return std::move(ObjectAccess::callMethod(collection, method, {scriptIndex.get()}).front());
 }
 
 }  // namespace
@@ -42,18 +42,18 @@ std::shared_ptr<Model> modelOf(const nvArray* collection)
 
 std::u16string textOf(const nvArray* object, const char* name)
 {
-    return text(ClassObjects::getProperty(object, name).get());
+    return text(ObjectAccess::getProperty(object, name).get());
 }
 
 std::u16string textInCells(const nvArray* object, const char* name, std::size_t place)
 {
-    const OwnedValue cells = ClassObjects::getProperty(object, name);
+    const OwnedValue cells = ObjectAccess::getProperty(object, name);
     return place < elementCount(cells.get()) ? text(cell(cells.get(), place)) : std::u16string();
 }
 
 std::size_t elementsIn(const nvArray* collection)
 {
-    return static_cast<std::size_t>(scalarInteger(ClassObjects::getProperty(collection, "Count").get()));
+    return static_cast<std::size_t>(scalarInteger(ObjectAccess::getProperty(collection, "Count").get()));
 }
 
 OwnedValue elementAt(const nvArray* collection, std::size_t index)

@@ -1,4 +1,4 @@
-#include "reference_host/classes/ModelObserversClass.hpp"
+#include "reference_host/classes/BuiltInClasses.hpp"
 #include "reference_host/model/Model.hpp"
 #include "reference_host/support/ChangeCount.hpp"
 #include "reference_host/support/MessageCatalog.hpp"

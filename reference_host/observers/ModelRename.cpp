@@ -1,7 +1,7 @@
 #include "reference_host/observers/ModelRename.hpp"
 
-#include "reference_host/classes/ClassObjects.hpp"
-#include "reference_host/classes/ModelObserversClass.hpp"
+#include "reference_host/classes/BuiltInClasses.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/model/OpenModels.hpp"
 #include "reference_host/observers/CollectionAccess.hpp"
 #include "reference_host/observers/SignalRecords.hpp"
@@ -21,20 +21,20 @@ void renameIn(nvArray* signal, const char* property, const std::u16string& oldSt
     const std::u16string value = textOf(signal, property);
     if (value.starts_with(oldStart)) {
         const OwnedValue renamed = makeText(newStart + value.substr(oldStart.size()));
-        ClassObjects::setProperty(signal, property, renamed.get());
+        ObjectAccess::setProperty(signal, property, renamed.get());
     }
 }
 
 OwnedValue copySignals(const nvArray* signals, const std::u16string& oldName, const std::u16string& newName)
 {
     const OwnedValue name = makeText(newName);
-    OwnedValue copy = ClassObjects::construct(signalsClass, {name.get()});
+    OwnedValue copy = ObjectAccess::construct(signalsClass, {name.get()});
     const std::size_t count = elementsIn(signals);
     for (std::size_t i = 0; i < count; ++i) {
         if (const OwnedValue signal = elementAt(signals, i)) {
             renameIn(signal.get(), "BlockPath_", oldName + u"/", newName + u"/");
             renameIn(signal.get(), "ZID_", oldName + u":", newName + u":");
-            ClassObjects::callMethod(copy.get(), "add", {signal.get()});
+            ObjectAccess::callMethod(copy.get(), "add", {signal.get()});
         }
     }
     return copy;
@@ -50,17 +50,17 @@ void renameModelWithObservers(std::u16string oldName, std::u16string newName)
         OpenModels::rename(oldName, newName);
         return;
     }
-    OwnedValue signals = ClassObjects::getProperty(observers.get(), "Signals");
-    const OwnedValue clients = ClassObjects::getProperty(observers.get(), "Clients");
+    OwnedValue signals = ObjectAccess::getProperty(observers.get(), "Signals");
+    const OwnedValue clients = ObjectAccess::getProperty(observers.get(), "Clients");
     if (!isEmpty(signals.get())) {
         signals = copySignals(signals.get(), oldName, newName);
     }
-    const ClassObjects::Results renamed = ClassObjects::callStatic(
+    const ObjectAccess::Results renamed = ObjectAccess::callStatic(
         modelObserversClass, "createFromSignalsAndClients", {signals.get(), clients.get()});
     OpenModels::rename(oldName, newName);
     model->setObservers(renamed.front().get());
     if (!isEmpty(clients.get())) {
-        ClassObjects::setProperty(clients.get(), "Model", makeText(newName).get());
+        ObjectAccess::setProperty(clients.get(), "Model", makeText(newName).get());
     }
 }
 

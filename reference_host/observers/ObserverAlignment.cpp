@@ -1,7 +1,7 @@
 #include "reference_host/observers/ObserverAlignment.hpp"
 
 #include "host/Text.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/model/Block.hpp"
 #include "reference_host/observers/AlignedBlockPath.hpp"
 #include "reference_host/observers/CollectionAccess.hpp"
@@ -21,12 +21,12 @@ void setTexts(nvArray* object, const char* property, const std::vector<std::u16s
     for (std::size_t i = 0; i < texts.size(); ++i) {
         setCell(cells.get(), i, makeText(texts[i]));
     }
-    ClassObjects::setProperty(object, property, cells.get());
+    ObjectAccess::setProperty(object, property, cells.get());
 }
 
 void align(nvArray* client)
 {
-    const std::size_t parts = elementCount(ClassObjects::getProperty(client, "ModelPath_").get());
+    const std::size_t parts = elementCount(ObjectAccess::getProperty(client, "ModelPath_").get());
     std::vector<std::u16string> path;
     std::vector<std::u16string> zids;
     for (std::size_t i = 0; i < parts; ++i) {
@@ -54,7 +54,7 @@ void getAlignedObservers(HostFunctionCall& call)
             aligned.push_back(objects(client.get()).front());
         }
     }
-    call.setOutput(0, ClassObjects::makeObjectArray("Zelmar.HMI.SignalClient", aligned));
+    call.setOutput(0, ObjectAccess::makeObjectArray("Zelmar.HMI.SignalClient", aligned));
 }
 
 }  // namespace reference_host

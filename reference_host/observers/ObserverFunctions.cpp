@@ -1,9 +1,8 @@
 #include "reference_host/observers/ObserverFunctions.hpp"
 
 #include "reference_host/calls/HostFunctions.hpp"
+#include "reference_host/classes/BuiltInClasses.hpp"
 #include "reference_host/classes/InterfaceManager.hpp"
-#include "reference_host/classes/ModelObserversClass.hpp"
-#include "reference_host/classes/SignalClientClass.hpp"
 #include "reference_host/classes/ValueEquality.hpp"
 #include "reference_host/observers/ObserverAlignment.hpp"
 #include "reference_host/observers/ObserverValidation.hpp"

@@ -1,7 +1,7 @@
 #include "reference_host/observers/ObserverValidation.hpp"
 
 #include "host/Text.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/observers/AlignedBlockPath.hpp"
 #include "reference_host/observers/CollectionAccess.hpp"
 #include "reference_host/observers/SignalRecords.hpp"
@@ -52,7 +52,7 @@ void validateAndRemoveUnused(HostFunctionCall& call)
     for (std::size_t i = elementsIn(clients); i-- > 0;) {
         const OwnedValue client = elementAt(clients, i);
         if (client && (isBlockGone(client.get()) || isSignalGone(client.get(), known))) {
-            ClassObjects::callMethod(clients, "remove", {methodIndex(i).get()});
+            ObjectAccess::callMethod(clients, "remove", {methodIndex(i).get()});
         }
     }
 }

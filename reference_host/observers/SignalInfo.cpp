@@ -1,7 +1,7 @@
 #include "reference_host/observers/SignalInfo.hpp"
 
 #include "host/Text.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/model/OpenModels.hpp"
 #include "reference_host/observers/AlignedBlockPath.hpp"
 #include "reference_host/observers/CollectionAccess.hpp"
@@ -70,13 +70,13 @@ OwnedValue findSignal(const nvArray* signals, const std::string& uuid)
 void fillCachedPort(nvArray* signal)
 {
     const Block* block = alignedBlock(toUtf8(textOf(signal, "ZID_")), textOf(signal, "BlockPath_"));
-    const double port = scalar(ClassObjects::getProperty(signal, "OutputPortIndex_").get());
+    const double port = scalar(ObjectAccess::getProperty(signal, "OutputPortIndex_").get());
     const bool isThere =
         block != nullptr && port >= 1.0 && port <= static_cast<double>(block->ports(PortKind::Output).size());
     const OwnedValue handle = isThere ? makeDouble(block->handle()) : makeEmptyValue();
     const OwnedValue index = isThere ? makeDouble(port) : makeEmptyValue();
-    ClassObjects::setProperty(signal, "CachedBlockHandle_", handle.get());
-    ClassObjects::setProperty(signal, "CachedPortIdx_", index.get());
+    ObjectAccess::setProperty(signal, "CachedBlockHandle_", handle.get());
+    ObjectAccess::setProperty(signal, "CachedPortIdx_", index.get());
 }
 
 }  // namespace

@@ -2,7 +2,7 @@
 
 #include "host/Text.hpp"
 #include "reference_host/calls/Warnings.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/model/DiagramErrors.hpp"
 #include "reference_host/observers/CollectionAccess.hpp"
 #include "reference_host/observers/SignalRecords.hpp"
@@ -30,7 +30,7 @@ public:
             const OwnedValue useMap = makeLogical(true);
             for (std::size_t i = 0; i < block.ports(PortKind::Output).size(); ++i) {
                 const OwnedValue number = methodIndex(i);
-                const auto uuid = ClassObjects::callStatic(signalsClass, "getUUIDForBlock",
+                const auto uuid = ObjectAccess::callStatic(signalsClass, "getUUIDForBlock",
                                                            {handle.get(), number.get(), useMap.get()});
                 entry->second.push_back(utf8Text(uuid.front().get()));
             }
@@ -97,7 +97,7 @@ void rebind(const nvArray* signals, std::size_t index, const SignalRecord& bound
         return;
     }
     const auto set = [&signal](const char* property, const OwnedValue& value) {
-        ClassObjects::setProperty(signal.get(), property, value.get());
+        ObjectAccess::setProperty(signal.get(), property, value.get());
     };
     set("BlockPath_", makeText(bound.path));
     set("ZID_", makeText(bound.zid));
@@ -109,9 +109,9 @@ void rebind(const nvArray* signals, std::size_t index, const SignalRecord& bound
     // A signal that passes through an object once has its domain parameters the other way round; to save
     // a model after an edit and its undo as it was before, it passes through a second one.
     const OwnedValue between =
-        ClassObjects::construct(signalsClass, {ClassObjects::getProperty(signals, "Model").get()});
-    ClassObjects::callMethod(between.get(), "add", {signal.get()});
-    ClassObjects::callMethod(signals, "set", {methodIndex(index).get(), elementAt(between.get(), 0).get()});
+        ObjectAccess::construct(signalsClass, {ObjectAccess::getProperty(signals, "Model").get()});
+    ObjectAccess::callMethod(between.get(), "add", {signal.get()});
+    ObjectAccess::callMethod(signals, "set", {methodIndex(index).get(), elementAt(between.get(), 0).get()});
 }
 
 /// A collection that gives up a signal's place takes the entries of every signal there out of its map. One
@@ -163,7 +163,7 @@ void bindAnew(const nvArray* signals, bool removeUnbound, Bind bind)
         if (!bound) {
             reportUnbound(signal);
             if (removeUnbound) {
-                ClassObjects::callMethod(signals, "remove", {methodIndex(kept.size()).get()});
+                ObjectAccess::callMethod(signals, "remove", {methodIndex(kept.size()).get()});
                 taken.note(signal, step);
                 continue;
             }

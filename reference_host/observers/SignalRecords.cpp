@@ -1,7 +1,7 @@
 #include "reference_host/observers/SignalRecords.hpp"
 
 #include "host/Text.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/observers/AlignedBlockPath.hpp"
 #include "reference_host/observers/CollectionAccess.hpp"
 #include "reference_host/values/ValueContainers.hpp"
@@ -54,7 +54,7 @@ SignalRecord readSignal(const nvArray* fields)
 OwnedValue collectionIn(const Model& model, const char* property)
 {
     const OwnedValue observers = model.observers();
-    OwnedValue collection = observers ? ClassObjects::getProperty(observers.get(), property) : nullptr;
+    OwnedValue collection = observers ? ObjectAccess::getProperty(observers.get(), property) : nullptr;
     return isEmpty(collection.get()) ? nullptr : std::move(collection);
 }
 
@@ -68,7 +68,7 @@ std::vector<SignalRecord> readSignals(const nvArray* signals)
     records.reserve(count);
     for (std::size_t i = 0; i < count; ++i) {
         const OwnedValue index = methodIndex(i);
-        const auto fields = ClassObjects::callMethod(signals, "get", {index.get(), asStruct.get()});
+        const auto fields = ObjectAccess::callMethod(signals, "get", {index.get(), asStruct.get()});
         records.push_back(readSignal(fields.front().get()));
     }
     return records;

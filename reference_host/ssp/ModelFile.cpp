@@ -2,8 +2,8 @@
 
 #include "host/Text.hpp"
 #include "reference_host/calls/Warnings.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
-#include "reference_host/classes/ModelObserversClass.hpp"
+#include "reference_host/classes/BuiltInClasses.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/model/DiagramErrors.hpp"
 #include "reference_host/model/EditHistory.hpp"
 #include "reference_host/model/OpenModels.hpp"
@@ -198,8 +198,8 @@ OwnedValue readCollection(const std::filesystem::path& file, const Archive& arch
         const OwnedValue persistence = valueFromJson(json);
         requireElementsInText(persistence.get(), json);
         const OwnedValue name = makeText(modelName);
-        OwnedValue collection = ClassObjects::construct(className, {name.get()});
-        ClassObjects::setProperty(collection.get(), "Persistence", persistence.get());
+        OwnedValue collection = ObjectAccess::construct(className, {name.get()});
+        ObjectAccess::setProperty(collection.get(), "Persistence", persistence.get());
         return collection;
     });
 }
@@ -218,7 +218,7 @@ void readObservers(const std::filesystem::path& file, const Archive& archive, Mo
         return;
     }
     const OwnedValue none = makeEmptyValue();
-    const ClassObjects::Results observers = ClassObjects::callStatic(
+    const ObjectAccess::Results observers = ObjectAccess::callStatic(
         modelObserversClass, "createFromSignalsAndClients",
         {signals ? signals.get() : none.get(), clients ? clients.get() : none.get()});
     model.setObservers(observers.front().get());
@@ -314,7 +314,7 @@ std::optional<std::string> persistenceOf(const nvArray* collection)
     if (collection == nullptr) {
         return std::nullopt;
     }
-    const OwnedValue persistence = ClassObjects::getProperty(collection, "Persistence");
+    const OwnedValue persistence = ObjectAccess::getProperty(collection, "Persistence");
     std::string json = valueToJson(persistence.get());
     requireElementsInText(persistence.get(), json);  // or it could not be opened
     return json;

@@ -70,9 +70,11 @@ ErrorCatalog::ErrorCatalog(const char* name, std::span<const CatalogMessage> mes
 
 zmsvException ErrorCatalog::error(const char* key, MessageArguments arguments) const
 {
-    zmsvMessageId id(m_name, key, std::move(arguments).take());
-    std::string text = MessageCatalog::text(id);
-    return {std::move(id), std::move(text)};
+    std::vector<zmsvMessageArgument> list = std::move(arguments).take();
+    std::string text = MessageCatalog::text(m_name, key, list);
+    const std::string_view name(key);
+    return {zmsvMessageId(m_name, std::string(name.substr(0, name.find(':'))), std::move(list)),
+            std::move(text)};
 }
 
 zmsvException hostError(const char* key, MessageArguments arguments)

@@ -48,7 +48,8 @@ private:
     std::vector<zmsvMessageArgument> m_list;
 };
 
-/// One message of a catalog: its key, and its text as `MessageCatalog` fills it.
+/// One message of a catalog: its key, and its text as `MessageCatalog` fills it. A key may have several
+/// texts, which differ in a suffix ("NoName:member"); the suffix is not part of the message's id.
 struct CatalogMessage {
     const char* key;
     const char* text;

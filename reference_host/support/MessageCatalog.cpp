@@ -31,13 +31,14 @@ Texts& texts()
     return instance;
 }
 
-std::string withoutText(const zmsvMessageId& id)
+std::string withoutText(const std::string& catalog, const std::string& key,
+                        const std::vector<zmsvMessageArgument>& arguments)
 {
-    std::string result = id.catalog() + ":" + id.key();
-    for (const zmsvMessageArgument& argument : id.arguments()) {
-        result += (&argument == id.arguments().data() ? " (" : ", ") + argumentText(argument);
+    std::string list;
+    for (const zmsvMessageArgument& argument : arguments) {
+        list += (list.empty() ? " (" : ", ") + argumentText(argument);
     }
-    return id.arguments().empty() ? result : result + ")";
+    return catalog + ":" + key + (list.empty() ? "" : list + ")");
 }
 
 /// The number in braces at the beginning of a text, and its length there; a length of 0 for none.
@@ -84,8 +85,14 @@ void MessageCatalog::define(const std::string& catalog, const std::string& key, 
 
 std::string MessageCatalog::text(const zmsvMessageId& id)
 {
-    const auto found = texts().find({id.catalog(), id.key()});
-    return found != texts().end() ? filled(found->second, id.arguments()) : withoutText(id);
+    return text(id.catalog(), id.key(), id.arguments());
+}
+
+std::string MessageCatalog::text(const std::string& catalog, const std::string& key,
+                                 const std::vector<zmsvMessageArgument>& arguments)
+{
+    const auto found = texts().find({catalog, key});
+    return found != texts().end() ? filled(found->second, arguments) : withoutText(catalog, key, arguments);
 }
 
 std::string argumentText(const zmsvMessageArgument& argument, bool isQuoted)

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
 namespace reference_host {
 
@@ -24,6 +25,8 @@ public:
     /// The text with its arguments filled in, the same in every locale. The text of an unknown message
     /// is "catalog:key (argument, argument)"; a placeholder without an argument stays as it is.
     static std::string text(const zmsvMessageId& id);
+    static std::string text(const std::string& catalog, const std::string& key,
+                            const std::vector<zmsvMessageArgument>& arguments);
 };
 
 /// An argument as a text shows it. Doubles have the shortest form that reads back the same.

@@ -2,7 +2,7 @@
 
 #include "editor/SignalsObject.hpp"
 #include "host/Exceptions.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "tests/editor/EditorTest.hpp"
 

@@ -2,9 +2,9 @@
 
 #include "hmi_foundation/Initialization.hpp"
 #include "host/Text.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/BuiltInClasses.hpp"
 #include "reference_host/classes/ClassReflection.hpp"
-#include "reference_host/classes/ModelObserversClass.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/model/OpenModels.hpp"
 #include "reference_host/observers/AlignedBlockPath.hpp"
 #include "reference_host/observers/EditorFunctions.hpp"
@@ -19,7 +19,7 @@ namespace editor {
 namespace rh = reference_host;
 using rh::Block;
 using rh::BlockKind;
-using rh::ClassObjects;
+using rh::ObjectAccess;
 using rh::OwnedValue;
 using rh::PortKind;
 
@@ -27,7 +27,7 @@ namespace {
 
 void set(const OwnedValue& object, const char* property, const OwnedValue& value)
 {
-    ClassObjects::setProperty(object.get(), property, value.get());
+    ObjectAccess::setProperty(object.get(), property, value.get());
 }
 
 void appendText(std::string& text, const nvArray* value)
@@ -86,9 +86,9 @@ void EditorTest::SetUp()
     rh::OpenModels::add(model);
 
     const OwnedValue name = rh::makeText(u"plant");
-    signals = ClassObjects::construct(rh::signalsClass, {name.get()});
-    clients = ClassObjects::construct("Zelmar.HMI.StreamingClients", {name.get()});
-    const auto observers = ClassObjects::callStatic(rh::modelObserversClass, "createFromSignalsAndClients",
+    signals = ObjectAccess::construct(rh::signalsClass, {name.get()});
+    clients = ObjectAccess::construct("Zelmar.HMI.StreamingClients", {name.get()});
+    const auto observers = ObjectAccess::callStatic(rh::modelObserversClass, "createFromSignalsAndClients",
                                                     {signals.get(), clients.get()});
     model->setObservers(observers.front().get());
 }
@@ -97,28 +97,28 @@ void EditorTest::addSignal(const Block& block, std::size_t number)
 {
     const OwnedValue handle = rh::makeDouble(block.handle());
     const OwnedValue port = rh::makeNumber(static_cast<double>(number), nvClassID::UInt32);
-    const auto uuid = ClassObjects::callStatic(rh::signalsClass, "getUUIDForBlock",
+    const auto uuid = ObjectAccess::callStatic(rh::signalsClass, "getUUIDForBlock",
                                                {handle.get(), port.get(), rh::makeLogical(true).get()});
-    const OwnedValue signal = ClassObjects::construct("Zelmar.HMI.SignalSpecification");
+    const OwnedValue signal = ObjectAccess::construct("Zelmar.HMI.SignalSpecification");
     set(signal, "UUID", uuid.front());
     set(signal, "BlockPath_", rh::makeText(block.path()));
     set(signal, "ZID_", rh::makeText(block.zid()));
     set(signal, "OutputPortIndex_", rh::makeDouble(static_cast<double>(number)));
     set(signal, "CachedBlockHandle_", handle);
     set(signal, "CachedPortIdx_", rh::makeDouble(static_cast<double>(number)));
-    ClassObjects::callMethod(signals.get(), "add", {signal.get()});
+    ObjectAccess::callMethod(signals.get(), "add", {signal.get()});
 }
 
 void EditorTest::addSignal(const std::u16string& path, const std::string& zid, double number,
                            const std::u16string& name)
 {
-    const OwnedValue signal = ClassObjects::construct("Zelmar.HMI.SignalSpecification");
+    const OwnedValue signal = ObjectAccess::construct("Zelmar.HMI.SignalSpecification");
     set(signal, "UUID", rh::makeText("id-" + std::to_string(records().size())));
     set(signal, "BlockPath_", rh::makeText(path));
     set(signal, "ZID_", rh::makeText(zid));
     set(signal, "SignalName_", rh::makeText(name));
     set(signal, "OutputPortIndex_", rh::makeDouble(number));
-    ClassObjects::callMethod(signals.get(), "add", {signal.get()});
+    ObjectAccess::callMethod(signals.get(), "add", {signal.get()});
 }
 
 void EditorTest::addActivity(const Block& block, const std::u16string& kzid)
@@ -126,20 +126,20 @@ void EditorTest::addActivity(const Block& block, const std::u16string& kzid)
     OwnedValue params = rh::makeStruct(rh::Dimensions(1, 1), {"KZID", "Activity"});
     rh::setField(params.get(), 0, "KZID", rh::makeText(kzid));
     rh::setField(params.get(), 0, "Activity", rh::makeText(u"Self"));
-    const OwnedValue signal = ClassObjects::construct("Zelmar.HMI.SignalSpecification");
+    const OwnedValue signal = ObjectAccess::construct("Zelmar.HMI.SignalSpecification");
     set(signal, "UUID", rh::makeText("chart-" + std::to_string(records().size())));
     set(signal, "BlockPath_", rh::makeText(block.path()));
     set(signal, "ZID_", rh::makeText(block.zid()));
     set(signal, "DomainType_", rh::makeText(u"kw_state"));
     set(signal, "DomainParams_", params);
-    ClassObjects::callMethod(signals.get(), "add", {signal.get()});
+    ObjectAccess::callMethod(signals.get(), "add", {signal.get()});
 }
 
 void EditorTest::addClient(std::size_t index)
 {
-    const OwnedValue client = ClassObjects::construct("Zelmar.HMI.SignalClient");
+    const OwnedValue client = ObjectAccess::construct("Zelmar.HMI.SignalClient");
     set(client, "SignalUUID_", rh::makeText(records().at(index).uuid));
-    ClassObjects::callMethod(clients.get(), "add", {client.get()});
+    ObjectAccess::callMethod(clients.get(), "add", {client.get()});
 }
 
 std::vector<rh::SignalRecord> EditorTest::records() const
@@ -150,7 +150,7 @@ std::vector<rh::SignalRecord> EditorTest::records() const
 std::string EditorTest::persisted() const
 {
     std::string text;
-    appendText(text, ClassObjects::getProperty(signals.get(), "Persistence").get());
+    appendText(text, ObjectAccess::getProperty(signals.get(), "Persistence").get());
     return text;
 }
 
@@ -159,7 +159,7 @@ bool EditorTest::isObserved(const Block& block, std::size_t number) const
     const OwnedValue handle = rh::makeDouble(block.handle());
     const OwnedValue port = rh::makeNumber(static_cast<double>(number), nvClassID::Int32);
     return rh::isTrueScalar(
-        ClassObjects::callMethod(signals.get(), "isGivenPortObserved", {handle.get(), port.get()})
+        ObjectAccess::callMethod(signals.get(), "isGivenPortObserved", {handle.get(), port.get()})
             .front()
             .get());
 }

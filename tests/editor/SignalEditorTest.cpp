@@ -2,7 +2,7 @@
 
 #include "host/Exceptions.hpp"
 #include "reference_host/calls/Warnings.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/model/EditorEvents.hpp"
 #include "reference_host/model/OpenModels.hpp"
 #include "reference_host/observers/ModelRename.hpp"
@@ -117,7 +117,7 @@ TEST_F(SignalEditorTest, EveryPortKeepsItsUUID)
     addSignal(gain(), 2);
     addSignal(gain(), 3);
     const auto uuidOf = [this](double number) {
-        return rh::utf8Text(rh::ClassObjects::callStatic(rh::signalsClass, "getUUIDForBlock",
+        return rh::utf8Text(rh::ObjectAccess::callStatic(rh::signalsClass, "getUUIDForBlock",
                                                          {rh::makeDouble(gain().handle()).get(),
                                                           rh::makeNumber(number, nvClassID::UInt32).get(),
                                                           rh::makeLogical(true).get()})

@@ -3,7 +3,7 @@
 #include "host/Exceptions.hpp"
 #include "reference_host/calls/HostFunctions.hpp"
 #include "reference_host/calls/Warnings.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"
 #include "tests/editor/EditorTest.hpp"
@@ -37,12 +37,12 @@ protected:
     /// Whether a signal with no handle is found by path and number.
     bool isObservedByPath(const std::u16string& path, std::size_t number) const
     {
-        const rh::OwnedValue asked = rh::ClassObjects::construct("Zelmar.HMI.SignalSpecification");
-        rh::ClassObjects::setProperty(asked.get(), "BlockPath_", rh::makeText(path).get());
-        rh::ClassObjects::setProperty(asked.get(), "OutputPortIndex_",
+        const rh::OwnedValue asked = rh::ObjectAccess::construct("Zelmar.HMI.SignalSpecification");
+        rh::ObjectAccess::setProperty(asked.get(), "BlockPath_", rh::makeText(path).get());
+        rh::ObjectAccess::setProperty(asked.get(), "OutputPortIndex_",
                                       rh::makeDouble(static_cast<double>(number)).get());
         return rh::isTrueScalar(
-            rh::ClassObjects::callMethod(signals.get(), "isPortObserved", {asked.get()}).front().get());
+            rh::ObjectAccess::callMethod(signals.get(), "isPortObserved", {asked.get()}).front().get());
     }
 
     rh::Block& gain() { return at(u"Controller/Gain"); }
@@ -62,9 +62,9 @@ TEST_F(SignalRebinding, TheUUIDOfAPortDecidesBeforeTheNumber)
     addSignal(gain(), 3);
     const nvArray* collection = signals.get();
     const rh::OwnedValue one = rh::makeNumber(1, nvClassID::UInt32);
-    const auto signal = rh::ClassObjects::callMethod(collection, "get", {one.get()});
-    rh::ClassObjects::setProperty(signal.front().get(), "OutputPortIndex_", rh::makeDouble(1).get());
-    rh::ClassObjects::callMethod(collection, "set", {one.get(), signal.front().get()});
+    const auto signal = rh::ObjectAccess::callMethod(collection, "get", {one.get()});
+    rh::ObjectAccess::setProperty(signal.front().get(), "OutputPortIndex_", rh::makeDouble(1).get());
+    rh::ObjectAccess::callMethod(collection, "set", {one.get(), signal.front().get()});
     ASSERT_EQ(places(), Places{"plant/Controller/Gain 1"});
     rebind();
     EXPECT_EQ(places(), Places{"plant/Controller/Gain 3"});
@@ -147,7 +147,7 @@ TEST_F(SignalRebinding, PortsThatChangePlacesStayObserved)
         addSignal(gain(), number);
     }
     const auto setUUID = [this](double number, const std::string& uuid) {
-        rh::ClassObjects::callStatic(
+        rh::ObjectAccess::callStatic(
             rh::signalsClass, "setUUIDForBlock",
             {rh::makeDouble(gain().handle()).get(), rh::makeNumber(number, nvClassID::UInt32).get(),
              rh::makeText(uuid).get()});

@@ -1,7 +1,7 @@
 #include "tests/hmi/ClientValues.hpp"
 
 #include "host/Text.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/values/ValueContainers.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"
@@ -147,7 +147,7 @@ rh::OwnedValue makePersistedWithout(const Names& fields)
 rh::OwnedValue makeClientObject(const ClientValues& values)
 {
     const rh::OwnedValue data = makePersistedClients({values});
-    return rh::ClassObjects::construct("Zelmar.HMI.SignalClient", {data.get()});
+    return rh::ObjectAccess::construct("Zelmar.HMI.SignalClient", {data.get()});
 }
 
 SignalClientPtr makeClient(const ClientValues& values)

@@ -1,7 +1,7 @@
 #include "hmi/InstrumentedSignals.hpp"
 
 #include "reference_host/calls/Warnings.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/values/ValueContainers.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"

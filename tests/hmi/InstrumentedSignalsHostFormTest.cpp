@@ -2,7 +2,7 @@
 
 #include "host/Exceptions.hpp"
 #include "reference_host/calls/Warnings.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/values/ValueContainers.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"
@@ -24,7 +24,7 @@ constexpr const char* signalsClass = "Zelmar.HMI.InstrumentedSignals";
 
 rh::OwnedValue makeObject()
 {
-    return rh::ClassObjects::construct(signalsClass);
+    return rh::ObjectAccess::construct(signalsClass);
 }
 
 InstrumentedSignals& behind(const rh::OwnedValue& object)
@@ -147,7 +147,7 @@ TEST_F(InstrumentedSignalsHostForm, ElementsAreSavedWithTheModelNameOfTheCollect
     signals.add(makeSignal(portValues(u"A", 1)));
     std::u16string asked;
     const rh::ScopedHostFunction aligned("getAlignedBlockPath", [&](rh::HostFunctionCall& call) {
-        asked = rh::text(rh::ClassObjects::getProperty(call.input(0), "BlockPath_").get());
+        asked = rh::text(rh::ObjectAccess::getProperty(call.input(0), "BlockPath_").get());
         call.setOutput(0, rh::makeText("plant/Moved"));
     });
     const OwnedArray data = signals.getPersistenceData();
@@ -388,7 +388,7 @@ protected:
 
     void callMethod(const char* method, const std::vector<const nvArray*>& arguments)
     {
-        rh::ClassObjects::callMethod(m_object.get(), method, arguments);
+        rh::ObjectAccess::callMethod(m_object.get(), method, arguments);
     }
 
 private:

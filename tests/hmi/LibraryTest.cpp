@@ -2,8 +2,8 @@
 
 #include "hmi_foundation/Initialization.hpp"
 #include "host/Exceptions.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
 #include "reference_host/classes/ClassReflection.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 
 #include <algorithm>
 
@@ -15,7 +15,7 @@ namespace {
 
 void answerWithOwnPath(rh::HostFunctionCall& call)
 {
-    call.setOutput(0, rh::ClassObjects::getProperty(call.input(0), "BlockPath_"));
+    call.setOutput(0, rh::ObjectAccess::getProperty(call.input(0), "BlockPath_"));
 }
 
 }  // namespace

@@ -2,8 +2,8 @@
 
 #include "host/OwnedArray.hpp"
 #include "reference_host/calls/Faults.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
-#include "reference_host/classes/ModelObserversClass.hpp"
+#include "reference_host/classes/BuiltInClasses.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/values/Value.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"
@@ -27,7 +27,7 @@ constexpr const char* createFunction = "Zelmar.HMI.ModelObservers.createFromSign
 
 class ModelObserversTest : public ClientsTest {
 protected:
-    static rh::OwnedValue makePair() { return rh::ClassObjects::construct("Zelmar.HMI.ModelObservers"); }
+    static rh::OwnedValue makePair() { return rh::ObjectAccess::construct("Zelmar.HMI.ModelObservers"); }
 
     /// The pair that an instance hands out.
     static std::pair<OwnedArray, OwnedArray> split(const ModelObservers& observers)
@@ -43,8 +43,8 @@ protected:
         return OwnedArray(ModelObservers::createFromSignalsAndClients(signals.get(), clients.get()));
     }
 
-    rh::OwnedValue m_signals = rh::ClassObjects::construct("Zelmar.HMI.InstrumentedSignals");
-    rh::OwnedValue m_clients = rh::ClassObjects::construct("Zelmar.HMI.StreamingClients");
+    rh::OwnedValue m_signals = rh::ObjectAccess::construct("Zelmar.HMI.InstrumentedSignals");
+    rh::OwnedValue m_clients = rh::ObjectAccess::construct("Zelmar.HMI.StreamingClients");
     const CountedHostFunction m_split{"getSignalsAndClients", rh::getSignalsAndClients};
 };
 
@@ -98,7 +98,7 @@ TEST_F(ModelObserversTest, TwoElementsOfAnyClassAreRefusedForTheirNumber)
 TEST_F(ModelObserversTest, OneElementOfAnotherClassIsRefusedForItsClass)
 {
     expectRefused(rh::makeDouble(1.0), "SignalObserversSetParamInvalidType");
-    expectRefused(rh::ClassObjects::construct("Zelmar.HMI.StreamingClients"),
+    expectRefused(rh::ObjectAccess::construct("Zelmar.HMI.StreamingClients"),
                   "SignalObserversSetParamInvalidType");
 }
 
@@ -138,7 +138,7 @@ TEST_F(ModelObserversTest, HoldsASharedCopyLocalFirstAndPersistentLast)
 TEST_F(ModelObserversTest, HoldsThePairWhenTheHostLetsGoOfIt)
 {
     rh::OwnedValue pair = makePair();
-    rh::ClassObjects::setProperty(pair.get(), "Clients", m_clients.get());
+    rh::ObjectAccess::setProperty(pair.get(), "Clients", m_clients.get());
     const ModelObservers observers(pair.get());
     pair.reset();
     const auto [signals, clients] = split(observers);

@@ -1,7 +1,7 @@
 #include "hmi/StreamingClients.hpp"
 
 #include "reference_host/calls/Faults.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"
 #include "tests/hmi/ClientsTest.hpp"
@@ -31,7 +31,7 @@ protected:
         for (const ClientValues& client : values) {
             instances.push_back(rh::objects(makeClientObject(client).get()).front());
         }
-        return rh::ClassObjects::makeObjectArray(clientClass, instances);
+        return rh::ObjectAccess::makeObjectArray(clientClass, instances);
     }
 
     /// A host function that gives these clients.
@@ -42,7 +42,7 @@ protected:
         };
     }
 
-    rh::OwnedValue m_object = rh::ClassObjects::construct("Zelmar.HMI.StreamingClients");
+    rh::OwnedValue m_object = rh::ObjectAccess::construct("Zelmar.HMI.StreamingClients");
     std::vector<SignalClientPtr> m_observers;
 };
 
@@ -307,7 +307,7 @@ TEST_F(ObserverAlignmentTest, HostCodeMayRemoveClientsWhileTheyAreValidated)
     clients().add(makeClient(clientNamed("a")));
     clients().add(makeClient(clientNamed("b")));
     const rh::ScopedHostFunction validate("validateAndRemoveUnused", [](rh::HostFunctionCall& call) {
-        rh::ClassObjects::callMethod(call.input(0), "remove", {rh::makeDouble(1.0).get()});
+        rh::ObjectAccess::callMethod(call.input(0), "remove", {rh::makeDouble(1.0).get()});
     });
     StreamingClients::validateAndRemoveUnused(m_object.get());
     ASSERT_EQ(clients().getCount(), 1U);
@@ -338,7 +338,7 @@ TEST_F(ObserverAlignmentTest, AValueOfAnotherClassHasNoClientsBehindIt)
     const CountedHostFunction getManager("Zelmar.HMI.InterfaceMgr.getInterfaceMgr", giveNothing);
     const CountedHostFunction validate("validateAndRemoveUnused", giveNothing);
     const rh::OwnedValue signals =
-        rh::ClassObjects::construct("Zelmar.HMI.InstrumentedSignals", {rh::makeText("m").get()});
+        rh::ObjectAccess::construct("Zelmar.HMI.InstrumentedSignals", {rh::makeText("m").get()});
     const rh::OwnedValue number = rh::makeDouble(1.0);
     for (const nvArray* value : {signals.get(), number.get()}) {
         StreamingClients::getAlignedObservers(value, m_observers);
@@ -348,7 +348,7 @@ TEST_F(ObserverAlignmentTest, AValueOfAnotherClassHasNoClientsBehindIt)
     }
     EXPECT_EQ(getManager.calls(), 0U);
     EXPECT_EQ(validate.calls(), 0U);
-    EXPECT_EQ(rh::scalar(rh::ClassObjects::getProperty(signals.get(), "Count").get()), 0.0);
+    EXPECT_EQ(rh::scalar(rh::ObjectAccess::getProperty(signals.get(), "Count").get()), 0.0);
 }
 
 }  // namespace

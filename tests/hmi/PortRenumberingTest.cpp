@@ -2,8 +2,8 @@
 
 #include "hmi_foundation/ModelPath.hpp"
 #include "reference_host/calls/Warnings.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
 #include "reference_host/classes/ClassReflection.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"
 #include "tests/hmi/LibraryTest.hpp"
@@ -580,7 +580,7 @@ protected:
     };
 
     std::vector<Call> calls;
-    rh::OwnedValue object = rh::ClassObjects::construct("Zelmar.HMI.InstrumentedSignals");
+    rh::OwnedValue object = rh::ObjectAccess::construct("Zelmar.HMI.InstrumentedSignals");
     rh::ScopedHostFunction function{
         "applyRebindingRules", [this](rh::HostFunctionCall& call) {
             calls.push_back({call.outputCount(),
@@ -627,7 +627,7 @@ TEST_F(Rebinding, TheHostFunctionMayChangeTheCollection)
     InstrumentedSignals& signals = *InstrumentedSignals::getFromNVArray(object.get());
     const rh::ScopedHostFunction adding("applyRebindingRules", [](rh::HostFunctionCall& call) {
         const rh::OwnedValue signal = makeSignalObject(portValues(u"A", 1));
-        rh::ClassObjects::callMethod(call.input(0), "add", {signal.get()});
+        rh::ObjectAccess::callMethod(call.input(0), "add", {signal.get()});
     });
     InstrumentedSignals::applyRebindingRules(object.get(), true);
     EXPECT_EQ(signals.getCount(), 1U);
@@ -638,7 +638,7 @@ TEST_F(Rebinding, AValueWithoutACollectionIsPassedOnAndNothingIsReset)
     rh::OwnedValue empty = rh::makeEmptyValue();
     rh::OwnedValue number = rh::makeDouble(1.0);
     rh::OwnedValue signal = makeSignalObject({});
-    rh::OwnedValue clients = rh::ClassObjects::construct("Zelmar.HMI.StreamingClients");
+    rh::OwnedValue clients = rh::ObjectAccess::construct("Zelmar.HMI.StreamingClients");
     for (const nvArray* value : {empty.get(), number.get(), signal.get(), clients.get()}) {
         InstrumentedSignals::applyRebindingRules(value, true);
     }

@@ -3,7 +3,7 @@
 #include "hmi_foundation/bindings/InstrumentedSignalsCOSClassInfo.hpp"
 #include "host/Exceptions.hpp"
 #include "host/OwnedArray.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/support/Ledger.hpp"
 #include "tests/support/CountingNew.hpp"
 #include "tests/hmi/LibraryTest.hpp"
@@ -29,7 +29,7 @@ protected:
     void SetUp() override
     {
         m_info.initializeClass(&m_class, nullptr);
-        m_object = rh::ClassObjects::construct("Zelmar.HMI.InstrumentedSignals");
+        m_object = rh::ObjectAccess::construct("Zelmar.HMI.InstrumentedSignals");
         m_spec = makeSignalObject(distinctValues());
         m_class.data = &signals();
         LibraryTest::SetUp();

@@ -2,8 +2,8 @@
 
 #include "host/OwnedArray.hpp"
 #include "reference_host/calls/Faults.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
 #include "reference_host/classes/ClassSystem.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/classes/RecordClass.hpp"
 #include "reference_host/values/Value.hpp"
 #include "reference_host/values/ValueContainers.hpp"
@@ -343,7 +343,7 @@ TEST_F(SignalClientHostForm, TakesTheModelNameOffTheFirstPartsOfAnObject)
 
 TEST_F(SignalClientHostForm, ReadsTheDefaultsOfANewObject)
 {
-    const rh::OwnedValue object = rh::ClassObjects::construct("Zelmar.HMI.SignalClient");
+    const rh::OwnedValue object = rh::ObjectAccess::construct("Zelmar.HMI.SignalClient");
     EXPECT_EQ(valuesOf(SignalClient(object.get(), 0, u"m")), ClientValues());
 }
 
@@ -382,7 +382,7 @@ TEST_F(SignalClientHostForm, ParametersOfAnObjectBecomeTheRecordsOwn)
 
 TEST_F(SignalClientHostForm, AnObjectThatLacksThePropertiesIsAHostError)
 {
-    const rh::OwnedValue object = rh::ClassObjects::construct("Zelmar.HMI.InterfaceMgr");
+    const rh::OwnedValue object = rh::ObjectAccess::construct("Zelmar.HMI.InterfaceMgr");
     EXPECT_EQ(hostError([&] { SignalClient(object.get(), 0, u""); }), "UnknownProperty");
 }
 
@@ -417,8 +417,8 @@ protected:
 
     static ClientValues readWith(const char* name, const rh::OwnedValue& value)
     {
-        const rh::OwnedValue object = rh::ClassObjects::construct("Tests.OddClient");
-        rh::ClassObjects::setProperty(object.get(), name, value.get());
+        const rh::OwnedValue object = rh::ObjectAccess::construct("Tests.OddClient");
+        rh::ObjectAccess::setProperty(object.get(), name, value.get());
         return valuesOf(SignalClient(object.get(), 0, u""));
     }
 
@@ -490,7 +490,7 @@ TEST_F(SignalClientHostForm, AnObjectReadsBackAsTheRecord)
 TEST_F(SignalClientHostForm, AnObjectOfAnObserverWithoutAPathIsOfTheModelThatIsAskedFor)
 {
     const OwnedArray object = makeClient({})->getNVCOSObject(u"m");
-    EXPECT_EQ(rh::describe(rh::ClassObjects::getProperty(object.get(), "SourceModel_").get()), "\"m\"");
+    EXPECT_EQ(rh::describe(rh::ObjectAccess::getProperty(object.get(), "SourceModel_").get()), "\"m\"");
 }
 
 TEST_F(SignalClientHostForm, TheHostGetsOneTemporaryStructOfAllFields)

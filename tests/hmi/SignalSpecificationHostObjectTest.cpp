@@ -3,9 +3,9 @@
 #include "host/Exceptions.hpp"
 #include "host/OwnedArray.hpp"
 #include "reference_host/calls/Warnings.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
 #include "reference_host/classes/ClassReflection.hpp"
 #include "reference_host/classes/ClassSystem.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/classes/RecordClass.hpp"
 #include "reference_host/values/Value.hpp"
 #include "reference_host/values/ValueContainers.hpp"
@@ -34,7 +34,7 @@ class SignalSpecificationHostObject : public LibraryTest {};
 
 rh::OwnedValue property(const OwnedArray& object, const char* name)
 {
-    return rh::ClassObjects::getProperty(object.get(), name);
+    return rh::ObjectAccess::getProperty(object.get(), name);
 }
 
 std::string describedProperty(const OwnedArray& object, const char* name)
@@ -50,7 +50,7 @@ SignalValues read(const rh::OwnedValue& object, const std::u16string& modelName)
 rh::OwnedValue makeObjectWith(const char* name, const rh::OwnedValue& value)
 {
     rh::OwnedValue object = makeSignalObject({});
-    rh::ClassObjects::setProperty(object.get(), name, value.get());
+    rh::ObjectAccess::setProperty(object.get(), name, value.get());
     return object;
 }
 
@@ -111,7 +111,7 @@ TEST_F(SignalSpecificationHostObject, LeavesPathAndZidOfAnotherModelWhole)
 TEST_F(SignalSpecificationHostObject, AnEmptyCachedHandleLeavesHandleAndPortAsTheyWere)
 {
     const rh::OwnedValue object = makeSignalObject({.cachedHandle = 0.0, .cachedPort = 9});
-    ASSERT_TRUE(rh::isEmpty(rh::ClassObjects::getProperty(object.get(), "CachedBlockHandle_").get()));
+    ASSERT_TRUE(rh::isEmpty(rh::ObjectAccess::getProperty(object.get(), "CachedBlockHandle_").get()));
     const SignalSpecificationPtr record = makeSignal(distinctValues());
     record->setFromNVCOS(object.get(), u"");
     EXPECT_EQ(record->getCachedBlockHandle(), distinctValues().cachedHandle);
@@ -121,7 +121,7 @@ TEST_F(SignalSpecificationHostObject, AnEmptyCachedHandleLeavesHandleAndPortAsTh
 TEST_F(SignalSpecificationHostObject, ACachedHandleOfZeroIsTakenWithItsPort)
 {
     const rh::OwnedValue object = makeSignalObject({.cachedPort = 9});
-    rh::ClassObjects::setProperty(object.get(), "CachedBlockHandle_", rh::makeDouble(0.0).get());
+    rh::ObjectAccess::setProperty(object.get(), "CachedBlockHandle_", rh::makeDouble(0.0).get());
     const SignalSpecificationPtr record = makeSignal(distinctValues());
     record->setFromNVCOS(object.get(), u"");
     EXPECT_EQ(record->getCachedBlockHandle(), 0.0);
@@ -156,8 +156,8 @@ protected:
 
     static SignalValues readWith(const char* name, const rh::OwnedValue& value)
     {
-        const rh::OwnedValue object = rh::ClassObjects::construct("Tests.OddSignal");
-        rh::ClassObjects::setProperty(object.get(), name, value.get());
+        const rh::OwnedValue object = rh::ObjectAccess::construct("Tests.OddSignal");
+        rh::ObjectAccess::setProperty(object.get(), name, value.get());
         return read(object, u"");
     }
 
@@ -216,7 +216,7 @@ TEST_F(SignalSpecificationFromOddObject, ACachedHandleWithAnEmptyPortIsAHostErro
 
 TEST_F(SignalSpecificationHostObject, AnObjectThatLacksAPropertyIsAHostError)
 {
-    const rh::OwnedValue other = rh::ClassObjects::construct("Zelmar.HMI.InstrumentedSignals");
+    const rh::OwnedValue other = rh::ObjectAccess::construct("Zelmar.HMI.InstrumentedSignals");
     EXPECT_THROW(read(other, u""), zmsvException);
 }
 

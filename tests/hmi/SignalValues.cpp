@@ -1,7 +1,7 @@
 #include "tests/hmi/SignalValues.hpp"
 
 #include "host/Text.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/values/ValueContainers.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 
@@ -145,9 +145,9 @@ rh::OwnedValue makePersisted(const std::vector<SignalValues>& signals)
 rh::OwnedValue makeSignalObject(const SignalValues& values)
 {
     const rh::OwnedValue data = makePersisted({values});
-    rh::OwnedValue object = rh::ClassObjects::construct("Zelmar.HMI.SignalSpecification", {data.get()});
+    rh::OwnedValue object = rh::ObjectAccess::construct("Zelmar.HMI.SignalSpecification", {data.get()});
     const auto set = [&](const char* name, const rh::OwnedValue& property) {
-        rh::ClassObjects::setProperty(object.get(), name, property.get());
+        rh::ObjectAccess::setProperty(object.get(), name, property.get());
     };
     set("BindingRule_", rh::makeText(values.bindingRule));
     set("ExcludeForSave_", rh::makeLogical(values.excludeForSave));

@@ -1,6 +1,6 @@
 #include "hmi/StreamingClients.hpp"
 
-#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "tests/hmi/ClientsTest.hpp"
 
@@ -31,7 +31,7 @@ struct PlainClients {
 
 /// What there is: a host object with the collection behind it.
 struct RealClients {
-    rh::OwnedValue object = rh::ClassObjects::construct("Zelmar.HMI.StreamingClients");
+    rh::OwnedValue object = rh::ObjectAccess::construct("Zelmar.HMI.StreamingClients");
 
     StreamingClients& operator*() const { return *StreamingClients::getFromNVArray(object.get()); }
     StreamingClients* operator->() const { return StreamingClients::getFromNVArray(object.get()); }

@@ -2,7 +2,7 @@
 
 #include "host/OwnedArray.hpp"
 #include "reference_host/calls/Faults.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/values/ValueContainers.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"
@@ -68,17 +68,17 @@ TEST_F(StreamingClientsTest, NullAndEmptyValuesAreOfAValidType)
     EXPECT_TRUE(StreamingClients::isValidType(nullptr));
     EXPECT_TRUE(StreamingClients::isValidType(rh::makeEmptyValue().get()));
     EXPECT_TRUE(StreamingClients::isValidType(rh::makeText("").get()));
-    EXPECT_TRUE(StreamingClients::isValidType(rh::ClassObjects::makeObjectArray(clientsClass, {}).get()));
+    EXPECT_TRUE(StreamingClients::isValidType(rh::ObjectAccess::makeObjectArray(clientsClass, {}).get()));
 }
 
 TEST_F(StreamingClientsTest, OneObjectOfTheClassIsOfAValidType)
 {
-    EXPECT_TRUE(StreamingClients::isValidType(rh::ClassObjects::construct(clientsClass).get()));
+    EXPECT_TRUE(StreamingClients::isValidType(rh::ObjectAccess::construct(clientsClass).get()));
 }
 
 TEST_F(StreamingClientsTest, TwoObjectsAreNotOfAValidType)
 {
-    const rh::OwnedValue object = rh::ClassObjects::construct(clientsClass);
+    const rh::OwnedValue object = rh::ObjectAccess::construct(clientsClass);
     const nvcos::COSInterfacePtr& instance = rh::objects(object.get()).front();
     const rh::OwnedValue two = rh::makeObjects(clientsClass, rh::Dimensions(1, 2), {instance, instance});
     EXPECT_FALSE(StreamingClients::isValidType(two.get()));
@@ -89,7 +89,7 @@ TEST_F(StreamingClientsTest, OtherValuesAreNotOfAValidType)
     EXPECT_FALSE(StreamingClients::isValidType(rh::makeDouble(1.0).get()));
     EXPECT_FALSE(StreamingClients::isValidType(makePersistedClients({{}}).get()));
     EXPECT_FALSE(
-        StreamingClients::isValidType(rh::ClassObjects::construct("Zelmar.HMI.InstrumentedSignals").get()));
+        StreamingClients::isValidType(rh::ObjectAccess::construct("Zelmar.HMI.InstrumentedSignals").get()));
 }
 
 TEST_F(StreamingClientsTest, NoCollectionIsBehindNullAndEmptyValues)
@@ -100,9 +100,9 @@ TEST_F(StreamingClientsTest, NoCollectionIsBehindNullAndEmptyValues)
 
 TEST_F(StreamingClientsTest, EachObjectHasOneCollectionBehindIt)
 {
-    const rh::OwnedValue object = rh::ClassObjects::construct(clientsClass);
+    const rh::OwnedValue object = rh::ObjectAccess::construct(clientsClass);
     const rh::OwnedValue handle = rh::copyDeep(object.get());
-    const rh::OwnedValue other = rh::ClassObjects::construct(clientsClass);
+    const rh::OwnedValue other = rh::ObjectAccess::construct(clientsClass);
     EXPECT_NE(StreamingClients::getFromNVArray(object.get()), nullptr);
     EXPECT_EQ(StreamingClients::getFromNVArray(object.get()), StreamingClients::getFromNVArray(handle.get()));
     EXPECT_NE(StreamingClients::getFromNVArray(object.get()), StreamingClients::getFromNVArray(other.get()));
@@ -110,9 +110,9 @@ TEST_F(StreamingClientsTest, EachObjectHasOneCollectionBehindIt)
 
 TEST_F(StreamingClientsTest, TheFirstObjectOfAnArrayDecidesWhichCollection)
 {
-    const rh::OwnedValue first = rh::ClassObjects::construct(clientsClass);
-    const rh::OwnedValue second = rh::ClassObjects::construct(clientsClass);
-    const rh::OwnedValue both = rh::ClassObjects::makeObjectArray(
+    const rh::OwnedValue first = rh::ObjectAccess::construct(clientsClass);
+    const rh::OwnedValue second = rh::ObjectAccess::construct(clientsClass);
+    const rh::OwnedValue both = rh::ObjectAccess::makeObjectArray(
         clientsClass, {rh::objects(first.get()).front(), rh::objects(second.get()).front()});
     EXPECT_EQ(StreamingClients::getFromNVArray(both.get()), StreamingClients::getFromNVArray(first.get()));
 }
@@ -401,7 +401,7 @@ TEST_F(StreamingClientsTest, ACopyIntoAnObjectWithoutACollectionIsAnError)
 
 TEST_F(StreamingClientsTest, ACopyIntoItselfKeepsTheClients)
 {
-    const rh::OwnedValue object = rh::ClassObjects::construct(clientsClass);
+    const rh::OwnedValue object = rh::ObjectAccess::construct(clientsClass);
     StreamingClients& clients = *StreamingClients::getFromNVArray(object.get());
     addNamed(clients, {"a", "b"});
     clients.setModelName(u"m");

@@ -3,8 +3,8 @@
 #include "host/Exceptions.hpp"
 #include "reference_host/calls/Faults.hpp"
 #include "reference_host/calls/Journal.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
 #include "reference_host/classes/ClassSystem.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "tests/support/HostTest.hpp"
 
 #include <gtest/gtest.h>
@@ -66,8 +66,8 @@ protected:
     static void expectUsable()
     {
         EXPECT_EQ(libraryClasses(), (Names{"InstrumentedSignals", "StreamingClients"}));
-        EXPECT_NE(rh::ClassObjects::construct(signalsClass), nullptr);
-        EXPECT_NE(rh::ClassObjects::construct(clientsClass), nullptr);
+        EXPECT_NE(rh::ObjectAccess::construct(signalsClass), nullptr);
+        EXPECT_NE(rh::ObjectAccess::construct(clientsClass), nullptr);
     }
 };
 

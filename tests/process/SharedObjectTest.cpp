@@ -1,8 +1,8 @@
 #include "host/Exceptions.hpp"
 #include "reference_host/calls/HostFunctions.hpp"
 #include "reference_host/calls/Warnings.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
 #include "reference_host/classes/ClassSystem.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/values/ValueContainers.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"
@@ -74,20 +74,20 @@ protected:
     static double addSaveAndLoad()
     {
         const rh::OwnedValue signals =
-            rh::ClassObjects::construct(signalsClass, {rh::makeText("plant").get()});
-        const rh::OwnedValue signal = rh::ClassObjects::construct(signalClass);
-        rh::ClassObjects::setProperty(signal.get(), "BlockPath_", rh::makeText("plant/Limiter").get());
-        rh::ClassObjects::callMethod(signals.get(), "add", {signal.get()});
-        const rh::OwnedValue saved = rh::ClassObjects::getProperty(signals.get(), "Persistence");
+            rh::ObjectAccess::construct(signalsClass, {rh::makeText("plant").get()});
+        const rh::OwnedValue signal = rh::ObjectAccess::construct(signalClass);
+        rh::ObjectAccess::setProperty(signal.get(), "BlockPath_", rh::makeText("plant/Limiter").get());
+        rh::ObjectAccess::callMethod(signals.get(), "add", {signal.get()});
+        const rh::OwnedValue saved = rh::ObjectAccess::getProperty(signals.get(), "Persistence");
         EXPECT_EQ(rh::utf8Text(rh::field(saved.get(), 0, "BlockPath_")), "Limiter");
-        rh::ClassObjects::setProperty(signals.get(), "Persistence", saved.get());
-        return rh::scalar(rh::ClassObjects::getProperty(signals.get(), "Count").get());
+        rh::ObjectAccess::setProperty(signals.get(), "Persistence", saved.get());
+        return rh::scalar(rh::ObjectAccess::getProperty(signals.get(), "Count").get());
     }
 
     static rh::ScopedHostFunction answerWithOwnPath()
     {
         return {"getAlignedBlockPath", [](rh::HostFunctionCall& call) {
-                    call.setOutput(0, rh::ClassObjects::getProperty(call.input(0), "BlockPath_"));
+                    call.setOutput(0, rh::ObjectAccess::getProperty(call.input(0), "BlockPath_"));
                 }};
     }
 };
@@ -108,9 +108,9 @@ TEST_F(SharedObject, ItsErrorsReachTheHostAsHostErrors)
     const Library library;
     library.initialize();
     {
-        const rh::OwnedValue signals = rh::ClassObjects::construct(signalsClass);
+        const rh::OwnedValue signals = rh::ObjectAccess::construct(signalsClass);
         try {
-            rh::ClassObjects::callMethod(signals.get(), "remove", {rh::makeDouble(1.0).get()});
+            rh::ObjectAccess::callMethod(signals.get(), "remove", {rh::makeDouble(1.0).get()});
             FAIL() << "nothing was thrown";
         } catch (const zmsvException& error) {
             EXPECT_EQ(error.id().key(), "InvalidElementIndex");
@@ -125,7 +125,7 @@ TEST_F(SharedObject, IsReallyUnloaded)
         const Library library;
         library.initialize();
         EXPECT_TRUE(Library::isLoaded());
-        rh::ClassObjects::construct(signalsClass);
+        rh::ObjectAccess::construct(signalsClass);
         rh::ClassSystem::reset();
     }
     EXPECT_FALSE(Library::isLoaded());

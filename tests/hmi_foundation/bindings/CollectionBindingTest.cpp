@@ -1,7 +1,7 @@
 #include "hmi_foundation/bindings/CollectionBinding.hpp"
 
 #include "hmi/InstrumentedSignals.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "tests/hmi/LibraryTest.hpp"
 #include "tests/hmi/SignalValues.hpp"
@@ -18,7 +18,7 @@ class CollectionBinding : public zm_hmi::LibraryTest {};
 
 TEST_F(CollectionBinding, AnObjectLeadsToItsCollection)
 {
-    const rh::OwnedValue object = rh::ClassObjects::construct("Zelmar.HMI.InstrumentedSignals");
+    const rh::OwnedValue object = rh::ObjectAccess::construct("Zelmar.HMI.InstrumentedSignals");
     EXPECT_EQ(&collectionOf<InstrumentedSignals>(nvcos::COSValue(object.get())),
               InstrumentedSignals::getFromNVArray(object.get()));
 }

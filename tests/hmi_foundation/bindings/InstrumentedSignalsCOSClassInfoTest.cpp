@@ -2,7 +2,7 @@
 
 #include "hmi/InstrumentedSignals.hpp"
 #include "host/OwnedArray.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "tests/hmi/LibraryTest.hpp"
 #include "tests/hmi/SignalValues.hpp"
 #include "tests/hmi_foundation/bindings/RecordingClass.hpp"
@@ -150,7 +150,7 @@ protected:
     {
         InstrumentedSignalsCOSClassInfoTest::SetUp();
         initialize();
-        m_object = rh::ClassObjects::construct("Zelmar.HMI.InstrumentedSignals");
+        m_object = rh::ObjectAccess::construct("Zelmar.HMI.InstrumentedSignals");
         signals().add(zm_hmi::makeSignal(zm_hmi::distinctValues()));
     }
 

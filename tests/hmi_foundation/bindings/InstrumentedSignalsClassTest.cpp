@@ -1,8 +1,8 @@
 #include "hmi/InstrumentedSignals.hpp"
 #include "host/Exceptions.hpp"
 #include "reference_host/calls/Warnings.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
 #include "reference_host/classes/ClassReflection.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/values/Value.hpp"
 #include "reference_host/values/ValueContainers.hpp"
 #include "reference_host/values/ValueMaking.hpp"
@@ -30,25 +30,25 @@ protected:
     void SetUp() override
     {
         LibraryTest::SetUp();
-        m_object = rh::ClassObjects::construct(signalsClass, {rh::makeText("plant").get()});
+        m_object = rh::ObjectAccess::construct(signalsClass, {rh::makeText("plant").get()});
     }
 
     rh::OwnedValue call(const char* method, const std::vector<const nvArray*>& arguments = {})
     {
-        rh::ClassObjects::Results results = rh::ClassObjects::callMethod(m_object.get(), method, arguments);
+        rh::ObjectAccess::Results results = rh::ObjectAccess::callMethod(m_object.get(), method, arguments);
         return results.empty() ? nullptr : std::move(results.front());
     }
 
     static rh::OwnedValue callStatic(const char* method, const std::vector<const nvArray*>& arguments)
     {
-        rh::ClassObjects::Results results = rh::ClassObjects::callStatic(signalsClass, method, arguments);
+        rh::ObjectAccess::Results results = rh::ObjectAccess::callStatic(signalsClass, method, arguments);
         return results.empty() ? nullptr : std::move(results.front());
     }
 
-    rh::OwnedValue property(const char* name) { return rh::ClassObjects::getProperty(m_object.get(), name); }
+    rh::OwnedValue property(const char* name) { return rh::ObjectAccess::getProperty(m_object.get(), name); }
     void assign(const char* name, const rh::OwnedValue& value)
     {
-        rh::ClassObjects::setProperty(m_object.get(), name, value.get());
+        rh::ObjectAccess::setProperty(m_object.get(), name, value.get());
     }
 
     void add(const SignalValues& values) { call("add", {makeSignalObject(values).get()}); }
@@ -132,22 +132,22 @@ TEST_F(InstrumentedSignalsClass, ConstructedWithANameHasItAsModel)
 
 TEST_F(InstrumentedSignalsClass, ConstructedWithoutANameHasNoModel)
 {
-    m_object = rh::ClassObjects::construct(signalsClass);
+    m_object = rh::ObjectAccess::construct(signalsClass);
     EXPECT_EQ(rh::text(property("Model").get()), u"");
 }
 
 TEST_F(InstrumentedSignalsClass, ObjectsHaveCollectionsOfTheirOwn)
 {
     add(portA);
-    const rh::OwnedValue other = rh::ClassObjects::construct(signalsClass);
-    EXPECT_EQ(rh::scalar(rh::ClassObjects::getProperty(other.get(), "Count").get()), 0.0);
+    const rh::OwnedValue other = rh::ObjectAccess::construct(signalsClass);
+    EXPECT_EQ(rh::scalar(rh::ObjectAccess::getProperty(other.get(), "Count").get()), 0.0);
 }
 
 TEST_F(InstrumentedSignalsClass, ACopyOfTheValueIsTheSameObject)
 {
     const rh::OwnedValue copy = rh::copyDeep(m_object.get());
     add(portA);
-    EXPECT_EQ(rh::scalar(rh::ClassObjects::getProperty(copy.get(), "Count").get()), 1.0);
+    EXPECT_EQ(rh::scalar(rh::ObjectAccess::getProperty(copy.get(), "Count").get()), 1.0);
 }
 
 // ---- properties -----------------------------------------------------------------------------------------
@@ -198,7 +198,7 @@ TEST_F(InstrumentedSignalsClass, SavedAndLoadedIntoAFreshObjectNothingIsLost)
     add(portA);
     add(stateValues("plant:7", u"3", u"Self"));
     const rh::OwnedValue saved = property("Persistence");
-    m_object = rh::ClassObjects::construct(signalsClass, {rh::makeText("plant").get()});
+    m_object = rh::ObjectAccess::construct(signalsClass, {rh::makeText("plant").get()});
     assign("Persistence", saved);
     EXPECT_EQ(count(), 2.0);
     EXPECT_TRUE(isTrue(call("isPortObserved", {makeSignalObject(portA).get()})));
@@ -211,8 +211,8 @@ TEST_F(InstrumentedSignalsClass, AddTakesTheModelNameOffAndGetPutsItBack)
 {
     add(portA);
     const rh::OwnedValue object = get(1);
-    EXPECT_EQ(rh::text(rh::ClassObjects::getProperty(object.get(), "BlockPath_").get()), u"plant/A");
-    EXPECT_EQ(rh::utf8Text(rh::ClassObjects::getProperty(object.get(), "ZID_").get()), "plant:1");
+    EXPECT_EQ(rh::text(rh::ObjectAccess::getProperty(object.get(), "BlockPath_").get()), u"plant/A");
+    EXPECT_EQ(rh::utf8Text(rh::ObjectAccess::getProperty(object.get(), "ZID_").get()), "plant:1");
     const InstrumentedSignals& signals = *InstrumentedSignals::getFromNVArray(m_object.get());
     EXPECT_EQ(signals.get(0)->getBlockPath(), u"A");
     EXPECT_EQ(signals.get(0)->getZID(), "1");
@@ -222,7 +222,7 @@ TEST_F(InstrumentedSignalsClass, IndicesBeginAtOne)
 {
     add(portA);
     add(portB);
-    EXPECT_EQ(rh::text(rh::ClassObjects::getProperty(get(2).get(), "BlockPath_").get()), u"plant/B");
+    EXPECT_EQ(rh::text(rh::ObjectAccess::getProperty(get(2).get(), "BlockPath_").get()), u"plant/B");
 }
 
 TEST_F(InstrumentedSignalsClass, IndexZeroAndPastTheEndAreErrorsWithTheCount)
@@ -436,7 +436,7 @@ TEST_P(InstrumentedSignalsClassFaults, EveryMethodLeavesNothingOpen)
     const rh::OwnedValue no = rh::makeLogical(false);
     const rh::OwnedValue text = rh::makeText("7");
     const auto callEveryMethod = [&] {
-        m_object = rh::ClassObjects::construct(signalsClass, {text.get()});
+        m_object = rh::ObjectAccess::construct(signalsClass, {text.get()});
         call("add", {a.get()});
         call("add", {b.get()});
         call("set", {two.get(), a.get()});

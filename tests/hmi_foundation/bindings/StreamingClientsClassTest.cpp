@@ -1,7 +1,7 @@
 #include "hmi/StreamingClients.hpp"
 #include "reference_host/calls/Faults.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
 #include "reference_host/classes/ClassSystem.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/values/Value.hpp"
 #include "reference_host/values/ValueContainers.hpp"
 #include "reference_host/values/ValueMaking.hpp"
@@ -34,7 +34,7 @@ protected:
     static rh::OwnedValue call(const rh::OwnedValue& object, const char* method,
                                const std::vector<const nvArray*>& arguments)
     {
-        rh::ClassObjects::Results results = rh::ClassObjects::callMethod(object.get(), method, arguments);
+        rh::ObjectAccess::Results results = rh::ObjectAccess::callMethod(object.get(), method, arguments);
         return results.empty() ? nullptr : std::move(results.front());
     }
     rh::OwnedValue call(const char* method, const std::vector<const nvArray*>& arguments) const
@@ -44,11 +44,11 @@ protected:
 
     std::string read(const char* property) const
     {
-        return rh::describe(rh::ClassObjects::getProperty(m_object.get(), property).get());
+        return rh::describe(rh::ObjectAccess::getProperty(m_object.get(), property).get());
     }
     void assign(const char* property, const rh::OwnedValue& value) const
     {
-        rh::ClassObjects::setProperty(m_object.get(), property, value.get());
+        rh::ObjectAccess::setProperty(m_object.get(), property, value.get());
     }
 
     void add(const ClientValues& values) const { call("add", {makeClientObject(values).get()}); }
@@ -56,12 +56,12 @@ protected:
     std::string uuidAt(double index) const
     {
         const rh::OwnedValue client = call("get", {rh::makeDouble(index).get()});
-        return rh::utf8Text(rh::ClassObjects::getProperty(client.get(), "UUID").get());
+        return rh::utf8Text(rh::ObjectAccess::getProperty(client.get(), "UUID").get());
     }
 
     StreamingClients& clients() const { return *StreamingClients::getFromNVArray(m_object.get()); }
 
-    rh::OwnedValue m_object = rh::ClassObjects::construct(className);
+    rh::OwnedValue m_object = rh::ObjectAccess::construct(className);
 };
 
 // ---- what is registered -------------------------------------------------------------------------
@@ -115,7 +115,7 @@ TEST_F(StreamingClientsClassTest, AnObjectMadeWithoutAnArgumentHasNoModelName)
 TEST_F(StreamingClientsClassTest, AnObjectMadeWithANameHasIt)
 {
     const rh::OwnedValue name = rh::makeText(u"pl\u00e4nt");
-    const rh::OwnedValue object = rh::ClassObjects::construct(className, {name.get()});
+    const rh::OwnedValue object = rh::ObjectAccess::construct(className, {name.get()});
     const StreamingClients& made = *StreamingClients::getFromNVArray(object.get());
     EXPECT_EQ(made.getModelName(), u"pl\u00e4nt");
     EXPECT_EQ(made.getSyncedModelName(), u"pl\u00e4nt");
@@ -144,7 +144,7 @@ TEST_F(StreamingClientsClassTest, AssigningCountChangesNothing)
 TEST_F(StreamingClientsClassTest, AssigningPersistenceAppends)
 {
     add(clientNamed("a"));
-    const rh::OwnedValue saved = rh::ClassObjects::getProperty(m_object.get(), "Persistence");
+    const rh::OwnedValue saved = rh::ObjectAccess::getProperty(m_object.get(), "Persistence");
     assign("Persistence", saved);
     EXPECT_EQ(read("Count"), "uint32 2");
 }
@@ -158,7 +158,7 @@ TEST_F(StreamingClientsClassTest, PersistenceIsReleasedOnceAndTheOthersNever)
 {
     add({});
     rh::Journal::startRecording();
-    const rh::OwnedValue saved = rh::ClassObjects::getProperty(m_object.get(), "Persistence");
+    const rh::OwnedValue saved = rh::ObjectAccess::getProperty(m_object.get(), "Persistence");
     EXPECT_EQ(rh::Journal::count("releaseValue"), 1U);
     EXPECT_EQ(rh::Journal::count("nvDestroyArray"), 1U);
     rh::Journal::startRecording();
@@ -176,9 +176,9 @@ TEST_F(StreamingClientsClassTest, WhatIsSavedLoadsIntoAnotherCollection)
     client.modelPath[0] = u"plant/" + client.modelPath[0];
     client.modelPathZID[0] = "plant:" + client.modelPathZID[0];
     add(client);
-    const rh::OwnedValue saved = rh::ClassObjects::getProperty(m_object.get(), "Persistence");
-    const rh::OwnedValue other = rh::ClassObjects::construct(className);
-    rh::ClassObjects::setProperty(other.get(), "Persistence", saved.get());
+    const rh::OwnedValue saved = rh::ObjectAccess::getProperty(m_object.get(), "Persistence");
+    const rh::OwnedValue other = rh::ObjectAccess::construct(className);
+    rh::ObjectAccess::setProperty(other.get(), "Persistence", saved.get());
     EXPECT_TRUE(clients().isEqual(StreamingClients::getFromNVArray(other.get())));
     EXPECT_EQ(valuesOf(*clients().get(0)), distinctClient());
 }
@@ -198,7 +198,7 @@ TEST_F(StreamingClientsClassTest, GetPutsTheModelNameBack)
     assign("Model", rh::makeText("plant"));
     add({.modelPath = {u"plant/Pult"}, .modelPathZID = {"plant:3"}});
     const rh::OwnedValue client = call("get", {rh::makeDouble(1.0).get()});
-    const rh::OwnedValue path = rh::ClassObjects::getProperty(client.get(), "ModelPath_");
+    const rh::OwnedValue path = rh::ObjectAccess::getProperty(client.get(), "ModelPath_");
     EXPECT_EQ(rh::utf8Text(rh::cell(path.get(), 0)), "plant/Pult");
 }
 
@@ -272,7 +272,7 @@ TEST_F(StreamingClientsClassTest, AClientThatCannotBeReadIsNotAdded)
     const rh::OwnedValue client = makeClientObject(distinctClient());
     for (const rh::FaultKind kind : {rh::FaultKind::OutOfMemory, rh::FaultKind::HostException}) {
         const auto calls = rh::walkFaults("nvGetPropertyShared", kind, [&] {
-            const rh::OwnedValue object = rh::ClassObjects::construct(className);
+            const rh::OwnedValue object = rh::ObjectAccess::construct(className);
             const StreamingClients& added = *StreamingClients::getFromNVArray(object.get());
             try {
                 call(object, "add", {client.get()});
@@ -291,12 +291,12 @@ TEST_F(StreamingClientsClassTest, EveryMethodFreesAllWhenAnOperationFails)
     const rh::OwnedValue first = rh::makeDouble(1.0);
     for (const rh::FaultKind kind : {rh::FaultKind::OutOfMemory, rh::FaultKind::HostException}) {
         const auto calls = rh::walkFaults(rh::Faults::anyOperation, kind, [&] {
-            const rh::OwnedValue object = rh::ClassObjects::construct(className);
+            const rh::OwnedValue object = rh::ObjectAccess::construct(className);
             call(object, "add", {client.get()});
             call(object, "set", {first.get(), client.get()});
             call(object, "get", {first.get()});
-            rh::ClassObjects::setProperty(object.get(), "Persistence",
-                                          rh::ClassObjects::getProperty(object.get(), "Persistence").get());
+            rh::ObjectAccess::setProperty(object.get(), "Persistence",
+                                          rh::ObjectAccess::getProperty(object.get(), "Persistence").get());
             call(object, "remove", {first.get()});
         });
         EXPECT_GT(calls, 100U);
@@ -309,8 +309,8 @@ TEST_F(StreamingClientsClassTest, EveryMethodFreesAllWhenAnOperationFails)
 TEST_F(StreamingClientsClassTest, AClientOfAnotherTypeIsAHostErrorThatNamesTheArgument)
 {
     const rh::OwnedValue others[] = {makePersistedClients({{}}),
-                                     rh::ClassObjects::makeObjectArray("Zelmar.HMI.SignalClient", {}),
-                                     rh::ClassObjects::construct("Zelmar.HMI.SignalSpecification"),
+                                     rh::ObjectAccess::makeObjectArray("Zelmar.HMI.SignalClient", {}),
+                                     rh::ObjectAccess::construct("Zelmar.HMI.SignalSpecification"),
                                      rh::copyShared(m_object.get()),
                                      rh::makeEmptyValue(),
                                      nullptr};
@@ -323,14 +323,14 @@ TEST_F(StreamingClientsClassTest, AClientOfAnotherTypeIsAHostErrorThatNamesTheAr
 
 TEST_F(StreamingClientsClassTest, ClientsAndSignalsRefuseEachOthersElements)
 {
-    const rh::OwnedValue signals = rh::ClassObjects::construct(signalsClass);
+    const rh::OwnedValue signals = rh::ObjectAccess::construct(signalsClass);
     const rh::OwnedValue client = makeClientObject({});
     EXPECT_EQ(hostError([&] { call(signals, "add", {client.get()}); }), "WrongArgument");
 }
 
 TEST_F(StreamingClientsClassTest, ClientsAndSignalsHaveNotEachOthersMethods)
 {
-    const rh::OwnedValue signals = rh::ClassObjects::construct(signalsClass);
+    const rh::OwnedValue signals = rh::ObjectAccess::construct(signalsClass);
     const rh::OwnedValue index = rh::makeDouble(1.0);
     EXPECT_EQ(hostError([&] { call("getUUID", {index.get()}); }), "UnknownMethod");
     EXPECT_EQ(hostError([&] { call(signals, "StreamingClients", {}); }), "UnknownMethod");
@@ -341,7 +341,7 @@ TEST_F(StreamingClientsClassTest, MethodsAreNotCalledOnTheClass)
 {
     const rh::OwnedValue client = makeClientObject({});
     EXPECT_EQ(hostError([&] {
-                  rh::ClassObjects::callStatic(className, "add", {m_object.get(), client.get()});
+                  rh::ObjectAccess::callStatic(className, "add", {m_object.get(), client.get()});
               }),
               "NoObject");
 }
@@ -351,8 +351,8 @@ TEST_F(StreamingClientsClassTest, MethodsAreCalledOnOneObjectAndNothingElse)
     const rh::OwnedValue client = makeClientObject({});
     const nvcos::COSInterfacePtr& instance = rh::objects(m_object.get()).front();
     const rh::OwnedValue others[] = {makePersistedClients({{}}), rh::makeEmptyValue(),
-                                     rh::ClassObjects::makeObjectArray(className, {}),
-                                     rh::ClassObjects::makeObjectArray(className, {instance, instance})};
+                                     rh::ObjectAccess::makeObjectArray(className, {}),
+                                     rh::ObjectAccess::makeObjectArray(className, {instance, instance})};
     for (const rh::OwnedValue& other : others) {
         EXPECT_EQ(hostError([&] { call(other, "add", {client.get()}); }), "NoObject")
             << rh::describe(other.get());

@@ -31,7 +31,7 @@ TEST_F(ClassSystemTest, StartsWithoutNamespaces)
 
 TEST_F(ClassSystemTest, AMissingClassIsAnErrorThatNamesIt)
 {
-    EXPECT_EQ(hostError([] { ClassObjects::construct(signalSpecification); }, {signalSpecification}),
+    EXPECT_EQ(hostError([] { ObjectAccess::construct(signalSpecification); }, {signalSpecification}),
               "UnknownClass");
 }
 

@@ -3,8 +3,8 @@
 
 #include "contract/TestClasses.hpp"
 #include "host/Exceptions.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
 #include "reference_host/classes/ClassSystem.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/support/Ledger.hpp"
 #include "tests/support/HostTest.hpp"
 
@@ -52,7 +52,7 @@ protected:
         defineThing([method](nvcos::COSClass& cosClass) { test_classes::addMethod(cosClass, method); });
     }
 
-    static OwnedValue makeThing() { return ClassObjects::construct("A.Thing"); }
+    static OwnedValue makeThing() { return ObjectAccess::construct("A.Thing"); }
 
     test_classes::ClassScript m_thing;
 };

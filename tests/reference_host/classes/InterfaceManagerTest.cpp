@@ -37,7 +37,7 @@ protected:
     }
     static OwnedValue renamesOf(const OwnedValue& manager)
     {
-        return ClassObjects::getProperty(manager.get(), "Renames");
+        return ObjectAccess::getProperty(manager.get(), "Renames");
     }
 
     const OwnedValue m_old = makeText("plant");

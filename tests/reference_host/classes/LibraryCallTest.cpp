@@ -36,7 +36,7 @@ TEST_F(LibraryCallTest, ACallShowsItsInputsAndOutputs)
     const OwnedValue thing = makeThing();
     const OwnedValue number = makeDouble(1.5);
     const OwnedValue text = makeText(u"abc");
-    operationsOf([&] { ClassObjects::callMethod(thing.get(), "go", {number.get(), text.get()}); });
+    operationsOf([&] { ObjectAccess::callMethod(thing.get(), "go", {number.get(), text.get()}); });
     ASSERT_EQ(Journal::entries().size(), 1U);
     const JournalEntry entry = Journal::entries().front();
     EXPECT_EQ(entry.operation, "invoke");
@@ -50,8 +50,8 @@ TEST_F(LibraryCallTest, ACallShowsItsInputsAndOutputs)
 TEST_F(LibraryCallTest, WhatTheLibraryCallsStandsBelowTheCall)
 {
     defineThing({"go", {}, {}, 0, [](Call&) { const OwnedArray value(nvCreateDoubleScalar(1.0)); }});
-    ClassObjects::callStatic("A.Thing", "go");
-    EXPECT_EQ(operationsOf([] { ClassObjects::callStatic("A.Thing", "go"); }),
+    ObjectAccess::callStatic("A.Thing", "go");
+    EXPECT_EQ(operationsOf([] { ObjectAccess::callStatic("A.Thing", "go"); }),
               (std::vector<std::string>{"invoke", "nvCreateDoubleScalar", "nvDestroyArray"}));
     EXPECT_EQ(Journal::entries()[0].depth, 0U);
     EXPECT_EQ(Journal::entries()[1].depth, 1U);
@@ -80,8 +80,8 @@ TEST_F(LibraryCallTest, PropertyAccessIsJournaled)
     const OwnedValue thing = makeThing();
     const OwnedValue value = makeDouble(1.0);
     EXPECT_EQ(operationsOf([&] {
-                  ClassObjects::getProperty(thing.get(), "P");
-                  ClassObjects::setProperty(thing.get(), "P", value.get());
+                  ObjectAccess::getProperty(thing.get(), "P");
+                  ObjectAccess::setProperty(thing.get(), "P", value.get());
               }),
               (std::vector<std::string>{"getValue", "releaseValue", "setValue"}));
 }

@@ -15,10 +15,10 @@ using test_classes::Call;
 
 class MethodCallTest : public ClassesTest {
 protected:
-    static ClassObjects::Results call(const nvArray* object, const ClassObjects::Arguments& arguments = {},
-                                      int outputCount = ClassObjects::AllOutputs)
+    static ObjectAccess::Results call(const nvArray* object, const ObjectAccess::Arguments& arguments = {},
+                                      int outputCount = ObjectAccess::AllOutputs)
     {
-        return ClassObjects::callMethod(object, "go", arguments, outputCount);
+        return ObjectAccess::callMethod(object, "go", arguments, outputCount);
     }
 
     /// A static method "go" that takes anything and gives `outputs`; its results as texts.
@@ -26,7 +26,7 @@ protected:
     {
         defineThing({"go", {}, std::move(outputs), 0, std::move(body)});
         std::vector<std::string> texts;
-        for (const OwnedValue& result : ClassObjects::callStatic("A.Thing", "go")) {
+        for (const OwnedValue& result : ObjectAccess::callStatic("A.Thing", "go")) {
             texts.push_back(describe(result.get()));
         }
         return texts;
@@ -60,7 +60,7 @@ TEST_F(MethodCallTest, AMethodThatDoesNotTakeItsClassIsNotPassedTheObject)
     call(thing.get(), {m_one.get()});
     EXPECT_EQ(inputCount, 1);
     inputCount = -1;
-    ClassObjects::callStatic("A.Thing", "go", {m_one.get()});
+    ObjectAccess::callStatic("A.Thing", "go", {m_one.get()});
     EXPECT_EQ(inputCount, 1);
 }
 
@@ -68,14 +68,14 @@ TEST_F(MethodCallTest, AMethodWithoutInputsIsStatic)
 {
     int inputCount = -1;
     defineThing({"go", {}, {}, 0, [&](Call& now) { inputCount = now.inputCount; }});
-    ClassObjects::callStatic("A.Thing", "go");
+    ObjectAccess::callStatic("A.Thing", "go");
     EXPECT_EQ(inputCount, 0);
 }
 
 TEST_F(MethodCallTest, AnInstanceMethodCannotBeCalledOnTheClass)
 {
     defineThing({"go", {"A.Thing"}, {}, 0, nullptr});
-    EXPECT_EQ(hostError([] { ClassObjects::callStatic("A.Thing", "go"); }, {"A.Thing.go"}), "NoObject");
+    EXPECT_EQ(hostError([] { ObjectAccess::callStatic("A.Thing", "go"); }, {"A.Thing.go"}), "NoObject");
 }
 
 TEST_F(MethodCallTest, OptionalInputsMayBeLeftOut)
@@ -126,7 +126,7 @@ TEST_F(MethodCallTest, AWrongTypeIsAnErrorThatNamesTheArgumentAndTheValue)
 TEST_F(MethodCallTest, ArgumentPositionsOfStaticMethodsCountFromTheFirstInput)
 {
     defineThing({"go", {"double scalar"}, {}, 0, nullptr});
-    EXPECT_EQ(hostError([&] { ClassObjects::callStatic("A.Thing", "go", {m_text.get()}); }, {"argument 1"}),
+    EXPECT_EQ(hostError([&] { ObjectAccess::callStatic("A.Thing", "go", {m_text.get()}); }, {"argument 1"}),
               "WrongArgument");
 }
 
@@ -134,7 +134,7 @@ TEST_F(MethodCallTest, TheErrorCarriesClassMethodAndPosition)
 {
     defineThing({"go", {"double scalar"}, {}, 0, nullptr});
     try {
-        ClassObjects::callStatic("A.Thing", "go", {m_text.get()});
+        ObjectAccess::callStatic("A.Thing", "go", {m_text.get()});
         FAIL();
     } catch (const zmsvException& error) {
         const std::vector<zmsvMessageArgument> expected{std::string("A.Thing"), std::string("go"),
@@ -146,14 +146,14 @@ TEST_F(MethodCallTest, TheErrorCarriesClassMethodAndPosition)
 TEST_F(MethodCallTest, ANullArgumentIsAnError)
 {
     defineThing({"go", {"any"}, {}, 0, nullptr});
-    EXPECT_EQ(hostError([] { ClassObjects::callStatic("A.Thing", "go", {nullptr}); }, {"argument 1", "null"}),
+    EXPECT_EQ(hostError([] { ObjectAccess::callStatic("A.Thing", "go", {nullptr}); }, {"argument 1", "null"}),
               "WrongArgument");
 }
 
 TEST_F(MethodCallTest, ArgumentsAreLentToTheMethod)
 {
     defineThing({"go", {"any"}, {}, 0, [](Call& now) { nvDestroyArray(std::get<nvArray*>(now.inputs[0])); }});
-    EXPECT_THROW(ClassObjects::callStatic("A.Thing", "go", {m_one.get()}), zmsvException);
+    EXPECT_THROW(ObjectAccess::callStatic("A.Thing", "go", {m_one.get()}), zmsvException);
     EXPECT_EQ(scalar(m_one.get()), 1.0);
     expectMisuses(1);
 }
@@ -163,8 +163,8 @@ TEST_F(MethodCallTest, OnlyOneObjectOfAClassHasMethods)
     defineThing({"go", {"A.Thing"}, {}, 0, nullptr});
     const OwnedValue thing = makeThing();
     const nvcos::COSInterfacePtr instance = omGetArrayElement(thing.get(), 0);
-    const OwnedValue two = ClassObjects::makeObjectArray("A.Thing", {instance, instance});
-    const OwnedValue none = ClassObjects::makeObjectArray("A.Thing", {});
+    const OwnedValue two = ObjectAccess::makeObjectArray("A.Thing", {instance, instance});
+    const OwnedValue none = ObjectAccess::makeObjectArray("A.Thing", {});
     for (const nvArray* value : {two.get(), none.get(), m_one.get()}) {
         EXPECT_EQ(hostError([&] { call(value); }, {"\"go\""}), "NoObject");
     }
@@ -181,7 +181,7 @@ TEST_F(MethodCallTest, TheConstructorIsNoMethodOfObjects)
 {
     defineThing({"Thing", {}, {"A.Thing"}, 0, nullptr});
     const OwnedValue thing = makeThing();
-    EXPECT_EQ(hostError([&] { ClassObjects::callMethod(thing.get(), "Thing"); }, {"constructor"}),
+    EXPECT_EQ(hostError([&] { ObjectAccess::callMethod(thing.get(), "Thing"); }, {"constructor"}),
               "ConstructorCalled");
 }
 
@@ -230,8 +230,8 @@ TEST_F(MethodCallTest, TheBodySeesHowManyOutputsWereAskedFor)
 {
     std::vector<int> counts;
     defineThing({"go", {}, {"any"}, 0, [&](Call& now) { counts.push_back(now.outputCount); }});
-    ClassObjects::callStatic("A.Thing", "go", {}, 0);
-    ClassObjects::callStatic("A.Thing", "go", {}, 1);
+    ObjectAccess::callStatic("A.Thing", "go", {}, 0);
+    ObjectAccess::callStatic("A.Thing", "go", {}, 1);
     EXPECT_EQ(counts, (std::vector<int>{0, 1}));
 }
 
@@ -241,7 +241,7 @@ TEST_F(MethodCallTest, AnOutputThatWasNotAskedForIsFreed)
                      now.outputs[0] = nvCreateDoubleScalar(1.0);
                      now.outputCount = 1;
                  }});
-    EXPECT_TRUE(ClassObjects::callStatic("A.Thing", "go", {}, 0).empty());
+    EXPECT_TRUE(ObjectAccess::callStatic("A.Thing", "go", {}, 0).empty());
 }
 
 TEST_F(MethodCallTest, OutputsOfAMethodThatThrowsAreFreed)
@@ -250,14 +250,14 @@ TEST_F(MethodCallTest, OutputsOfAMethodThatThrowsAreFreed)
                      now.outputs[0] = nvCreateDoubleScalar(1.0);
                      throw std::runtime_error("late");
                  }});
-    EXPECT_THROW(ClassObjects::callStatic("A.Thing", "go"), std::runtime_error);
+    EXPECT_THROW(ObjectAccess::callStatic("A.Thing", "go"), std::runtime_error);
 }
 
 TEST_F(MethodCallTest, AskingForMoreOutputsThanDeclaredIsAnErrorBeforeTheCall)
 {
     bool ran = false;
     defineThing({"go", {}, {}, 0, [&](Call&) { ran = true; }});
-    EXPECT_EQ(hostError([] { ClassObjects::callStatic("A.Thing", "go", {}, 1); }, {"A.Thing.go", "0 output"}),
+    EXPECT_EQ(hostError([] { ObjectAccess::callStatic("A.Thing", "go", {}, 1); }, {"A.Thing.go", "0 output"}),
               "TooManyOutputs");
     EXPECT_FALSE(ran);
 }
@@ -265,14 +265,14 @@ TEST_F(MethodCallTest, AskingForMoreOutputsThanDeclaredIsAnErrorBeforeTheCall)
 TEST_F(MethodCallTest, GivingMoreOutputsThanDeclaredIsAnError)
 {
     defineThing({"go", {}, {"any"}, 0, [](Call& now) { now.outputCount = 2; }});
-    EXPECT_EQ(hostError([] { ClassObjects::callStatic("A.Thing", "go"); }, {"A.Thing.go", "2"}),
+    EXPECT_EQ(hostError([] { ObjectAccess::callStatic("A.Thing", "go"); }, {"A.Thing.go", "2"}),
               "BadOutputCount");
 }
 
 TEST_F(MethodCallTest, HandingAnInputBackAsOutputIsMisuse)
 {
     defineThing({"go", {"any"}, {"any"}, 0, [](Call& now) { now.outputs[0] = now.inputs[0]; }});
-    EXPECT_THROW(ClassObjects::callStatic("A.Thing", "go", {m_one.get()}), zmsvException);
+    EXPECT_THROW(ObjectAccess::callStatic("A.Thing", "go", {m_one.get()}), zmsvException);
     expectMisuses(1);
 }
 
@@ -285,7 +285,7 @@ TEST_F(MethodCallTest, GivingOneValueAsTwoOutputsIsMisuseAndTheValueEndsOnce)
                      now.outputCount = 3;
                  }});
     for (const int wanted : {3, 1, 0}) {
-        EXPECT_EQ(hostError([&] { ClassObjects::callStatic("A.Thing", "go", {}, wanted); },
+        EXPECT_EQ(hostError([&] { ObjectAccess::callStatic("A.Thing", "go", {}, wanted); },
                             {"A.Thing.go", "output 1", "output 3"}),
                   "OutputGivenTwice");
     }
@@ -299,7 +299,7 @@ TEST_F(MethodCallTest, TwoOutputsMayBeNull)
                      now.outputs[1] = static_cast<nvArray*>(nullptr);
                      now.outputCount = 2;
                  }});
-    EXPECT_EQ(ClassObjects::callStatic("A.Thing", "go", {}, 2).size(), 2U);
+    EXPECT_EQ(ObjectAccess::callStatic("A.Thing", "go", {}, 2).size(), 2U);
 }
 
 // ---- constructors -------------------------------------------------------------------------------
@@ -326,7 +326,7 @@ TEST_F(MethodCallTest, TheConstructorGetsItsArguments)
     defineThing({"Thing", {"unicodeString"}, {"A.Thing"}, 1, [&](Call& now) {
                      name = std::get<std::u16string>(now.inputs[0]);
                  }});
-    ClassObjects::construct("A.Thing", {m_text.get()});
+    ObjectAccess::construct("A.Thing", {m_text.get()});
     EXPECT_EQ(name, u"abc");
 }
 
@@ -348,11 +348,11 @@ TEST_F(MethodCallTest, WrongConstructorArgumentsAreErrorsThatNameThem)
 {
     defineThing({"Thing", {"unicodeString"}, {"A.Thing"}, 1, nullptr});
     EXPECT_EQ(
-        hostError([&] { ClassObjects::construct("A.Thing", {m_one.get()}); }, {"A.Thing", "argument 1"}),
+        hostError([&] { ObjectAccess::construct("A.Thing", {m_one.get()}); }, {"A.Thing", "argument 1"}),
         "WrongArgument");
     EXPECT_EQ(hostError(
                   [&] {
-                      ClassObjects::construct("A.Thing", {m_text.get(), m_text.get()});
+                      ObjectAccess::construct("A.Thing", {m_text.get(), m_text.get()});
                   },
                   {"A.Thing", "argument 2"}),
               "TooManyArguments");
@@ -362,7 +362,7 @@ TEST_F(MethodCallTest, AClassWithoutConstructorTakesNoArguments)
 {
     defineThing();
     EXPECT_EQ(
-        hostError([&] { ClassObjects::construct("A.Thing", {m_one.get()}); }, {"A.Thing", "argument 1"}),
+        hostError([&] { ObjectAccess::construct("A.Thing", {m_one.get()}); }, {"A.Thing", "argument 1"}),
         "TooManyArguments");
     EXPECT_EQ(m_thing.allocated, 0);
 }
@@ -373,7 +373,7 @@ TEST_F(MethodCallTest, WhatAMethodThrowsComesOutUnchanged)
 {
     std::function<void()> fail;
     defineThing({"go", {}, {}, 0, [&](Call&) { fail(); }});
-    const auto go = [] { ClassObjects::callStatic("A.Thing", "go"); };
+    const auto go = [] { ObjectAccess::callStatic("A.Thing", "go"); };
     fail = [] { zmsvThrowOutOfMemory(); };
     EXPECT_THROW(go(), zmsvOutOfMemoryException);
     fail = [] { throw std::bad_alloc(); };
@@ -391,7 +391,7 @@ TEST_F(MethodCallTest, AHostErrorOutOfAMethodKeepsItsIdentity)
     defineThing(
         {"go", {}, {}, 0, [](Call&) { throw zmsvException(zmsvMessageId("cat", "Key", {1.5}), "text"); }});
     try {
-        ClassObjects::callStatic("A.Thing", "go");
+        ObjectAccess::callStatic("A.Thing", "go");
         FAIL();
     } catch (const zmsvException& error) {
         EXPECT_EQ(error.id().catalog(), "cat");

@@ -1,4 +1,4 @@
-#include "reference_host/classes/ModelObserversClass.hpp"
+#include "reference_host/classes/BuiltInClasses.hpp"
 
 #include "reference_host/classes/ClassReflection.hpp"
 #include "reference_host/classes/RecordClass.hpp"
@@ -35,24 +35,24 @@ protected:
 
     static OwnedValue makeNamed(const std::string& className, const char* name)
     {
-        OwnedValue object = ClassObjects::construct("Zelmar.HMI." + className);
-        ClassObjects::setProperty(object.get(), "Name", makeText(name).get());
+        OwnedValue object = ObjectAccess::construct("Zelmar.HMI." + className);
+        ObjectAccess::setProperty(object.get(), "Name", makeText(name).get());
         return object;
     }
     static OwnedValue create(const nvArray* signals, const nvArray* clients)
     {
         return std::move(
-            ClassObjects::callStatic(modelObserversClass, "createFromSignalsAndClients", {signals, clients})
+            ObjectAccess::callStatic(modelObserversClass, "createFromSignalsAndClients", {signals, clients})
                 .front());
     }
-    static ClassObjects::Results split(const std::vector<const nvArray*>& inputs)
+    static ObjectAccess::Results split(const std::vector<const nvArray*>& inputs)
     {
         const ScopedHostFunction function("getSignalsAndClients", getSignalsAndClients);
         return HostFunctions::call("getSignalsAndClients", inputs, 2);
     }
     static std::string nameOf(const OwnedValue& object)
     {
-        return utf8Text(ClassObjects::getProperty(object.get(), "Name").get());
+        return utf8Text(ObjectAccess::getProperty(object.get(), "Name").get());
     }
 
     OwnedValue m_signals;
@@ -62,7 +62,7 @@ protected:
 TEST_F(ModelObserversClassTest, APairGivesItsTwoHalvesBack)
 {
     const OwnedValue pair = create(m_signals.get(), m_clients.get());
-    const ClassObjects::Results halves = split({pair.get()});
+    const ObjectAccess::Results halves = split({pair.get()});
     EXPECT_EQ(nameOf(halves[0]), "the signals");
     EXPECT_EQ(nameOf(halves[1]), "the clients");
 }
@@ -70,23 +70,23 @@ TEST_F(ModelObserversClassTest, APairGivesItsTwoHalvesBack)
 TEST_F(ModelObserversClassTest, HalvesAreTheScriptsOwnObjects)
 {
     const OwnedValue pair = create(m_signals.get(), m_clients.get());
-    ClassObjects::setProperty(m_clients.get(), "Name", makeText("renamed").get());
+    ObjectAccess::setProperty(m_clients.get(), "Name", makeText("renamed").get());
     EXPECT_EQ(nameOf(split({pair.get()})[1]), "renamed");
 }
 
 TEST_F(ModelObserversClassTest, AMissingHalfIsEmpty)
 {
     const OwnedValue pair = create(makeEmptyValue().get(), m_clients.get());
-    const ClassObjects::Results halves = split({pair.get()});
+    const ObjectAccess::Results halves = split({pair.get()});
     EXPECT_EQ(describe(halves[0].get()), "0x0 double");
     EXPECT_EQ(nameOf(halves[1]), "the clients");
 }
 
 TEST_F(ModelObserversClassTest, ANewPairIsEmpty)
 {
-    const OwnedValue pair = ClassObjects::construct(modelObserversClass);
+    const OwnedValue pair = ObjectAccess::construct(modelObserversClass);
     for (const char* half : {"Signals", "Clients"}) {
-        EXPECT_EQ(describe(ClassObjects::getProperty(pair.get(), half).get()), "0x0 double");
+        EXPECT_EQ(describe(ObjectAccess::getProperty(pair.get(), half).get()), "0x0 double");
     }
 }
 
@@ -103,7 +103,7 @@ TEST_F(ModelObserversClassTest, HalvesOfTheWrongClassAreRefused)
 TEST_F(ModelObserversClassTest, SeveralObjectsAreNoHalf)
 {
     const nvcos::COSInterfacePtr& instance = objects(m_clients.get()).front();
-    const OwnedValue two = ClassObjects::makeObjectArray("Zelmar.HMI.StreamingClients", {instance, instance});
+    const OwnedValue two = ObjectAccess::makeObjectArray("Zelmar.HMI.StreamingClients", {instance, instance});
     EXPECT_EQ(hostError([&] { create(m_signals.get(), two.get()); }, {"Clients"}), "WrongValue");
 }
 

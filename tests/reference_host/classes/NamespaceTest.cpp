@@ -166,7 +166,7 @@ TEST_F(NamespaceTest, AClassWithInstancesOutlivesAFailedDefinition)
     OwnedValue thing;
     m_a.define = [&](nvcos::COSNamespace& home) {
         addClass(home, "Thing", m_thing);
-        thing = ClassObjects::construct("A.Thing");
+        thing = ObjectAccess::construct("A.Thing");
         throw std::runtime_error("not now");
     };
     addNamespace("A", m_a);

@@ -1,4 +1,4 @@
-#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/values/Value.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"
@@ -17,7 +17,7 @@ TEST_F(ObjectElementsTest, SplitsAnArrayIntoScalars)
     defineThing();
     const OwnedValue first = makeThing();
     const OwnedValue second = makeThing();
-    const OwnedValue both = ClassObjects::makeObjectArray(
+    const OwnedValue both = ObjectAccess::makeObjectArray(
         "A.Thing", {omGetArrayElement(first.get(), 0), omGetArrayElement(second.get(), 0)});
     EXPECT_EQ(describe(both.get()), "2x1 A.Thing");
     const OwnedValue split(omCreateNVCOSScalar(omGetArrayElement(both.get(), 1)));
@@ -28,7 +28,7 @@ TEST_F(ObjectElementsTest, SplitsAnArrayIntoScalars)
 TEST_F(ObjectElementsTest, AnEmptyArrayHasAClassAndNoElements)
 {
     defineThing();
-    const OwnedValue none = ClassObjects::makeObjectArray("A.Thing", {});
+    const OwnedValue none = ObjectAccess::makeObjectArray("A.Thing", {});
     EXPECT_TRUE(nvIsEmpty(none.get()));
     EXPECT_TRUE(nvIsA(none.get(), "A.Thing"));
     EXPECT_EQ(hostError([&] { omGetArrayElement(none.get(), 0); }, {"omGetArrayElement", "0 of 0"}),
@@ -52,12 +52,12 @@ TEST_F(ObjectElementsTest, AnArrayHoldsInstancesOfOneClass)
     defineThing();
     test_classes::ClassScript other;
     test_classes::addClass(*test_classes::findNamespace("A"), "Other", other);
-    const OwnedValue thing = ClassObjects::construct("A.Other");
+    const OwnedValue thing = ObjectAccess::construct("A.Other");
     const COSInterfacePtr instance = omGetArrayElement(thing.get(), 0);
     EXPECT_EQ(
-        hostError([&] { ClassObjects::makeObjectArray("A.Thing", {instance}); }, {"A.Thing", "A.Other"}),
+        hostError([&] { ObjectAccess::makeObjectArray("A.Thing", {instance}); }, {"A.Thing", "A.Other"}),
         "MixedClasses");
-    EXPECT_EQ(hostError([] { ClassObjects::makeObjectArray("A.Thing", {COSInterfacePtr()}); }, {"A.Thing"}),
+    EXPECT_EQ(hostError([] { ObjectAccess::makeObjectArray("A.Thing", {COSInterfacePtr()}); }, {"A.Thing"}),
               "MixedClasses");
 }
 

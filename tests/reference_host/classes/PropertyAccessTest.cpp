@@ -43,20 +43,20 @@ TEST_F(PropertyAccessTest, ReadsByWhatThePropertyHolds)
 {
     const OwnedValue thing = makeWithProperty("any");
     m_value = std::u16string(u"model");
-    EXPECT_EQ(describe(ClassObjects::getProperty(thing.get(), "P").get()), "\"model\"");
+    EXPECT_EQ(describe(ObjectAccess::getProperty(thing.get(), "P").get()), "\"model\"");
     m_value = std::uint32_t{2};
-    EXPECT_EQ(describe(ClassObjects::getProperty(thing.get(), "P").get()), "uint32 2");
+    EXPECT_EQ(describe(ObjectAccess::getProperty(thing.get(), "P").get()), "uint32 2");
     m_value = static_cast<nvArray*>(nullptr);
-    EXPECT_EQ(describe(ClassObjects::getProperty(thing.get(), "P").get()), "0x0 double");
+    EXPECT_EQ(describe(ObjectAccess::getProperty(thing.get(), "P").get()), "0x0 double");
     m_value = {};
-    EXPECT_EQ(ClassObjects::getProperty(thing.get(), "P"), nullptr);
+    EXPECT_EQ(ObjectAccess::getProperty(thing.get(), "P"), nullptr);
 }
 
 TEST_F(PropertyAccessTest, ReleasesEachValueOnce)
 {
     const OwnedValue thing = makeWithProperty("any");
     makeValueOnReading();
-    const OwnedValue value = ClassObjects::getProperty(thing.get(), "P");
+    const OwnedValue value = ObjectAccess::getProperty(thing.get(), "P");
     EXPECT_EQ(m_script.released, 1);
     EXPECT_EQ(describe(value.get()), "double 3");
 }
@@ -67,7 +67,7 @@ TEST_F(PropertyAccessTest, ReleasesAValueThatCannotBeCopied)
     nvArray* const dead = nvCreateDoubleScalar(1.0);
     nvDestroyArray(dead);
     m_value = dead;
-    EXPECT_THROW(ClassObjects::getProperty(thing.get(), "P"), zmsvException);
+    EXPECT_THROW(ObjectAccess::getProperty(thing.get(), "P"), zmsvException);
     EXPECT_EQ(m_script.released, 1);
     expectMisuses(1);
 }
@@ -76,14 +76,14 @@ TEST_F(PropertyAccessTest, ReleasesNothingWhenReadingFails)
 {
     const OwnedValue thing = makeWithProperty("any");
     m_script.getValue = [](nvcos::COSInterface*) -> COSValue { throw std::runtime_error("unreadable"); };
-    EXPECT_THROW(ClassObjects::getProperty(thing.get(), "P"), std::runtime_error);
+    EXPECT_THROW(ObjectAccess::getProperty(thing.get(), "P"), std::runtime_error);
     EXPECT_EQ(m_script.released, 0);
 }
 
 TEST_F(PropertyAccessTest, AssignsTheConvertedValue)
 {
     const OwnedValue thing = makeWithProperty("uint32 scalar");
-    ClassObjects::setProperty(thing.get(), "P", makeDouble(4.0).get());
+    ObjectAccess::setProperty(thing.get(), "P", makeDouble(4.0).get());
     EXPECT_EQ(m_assigned, COSValue(std::uint32_t{4}));
 }
 
@@ -91,7 +91,7 @@ TEST_F(PropertyAccessTest, AssigningAWrongTypeIsAnErrorThatNamesThePropertyAndTh
 {
     const OwnedValue thing = makeWithProperty("uint32 scalar");
     const OwnedValue text = makeText(u"abc");
-    EXPECT_EQ(hostError([&] { ClassObjects::setProperty(thing.get(), "P", text.get()); },
+    EXPECT_EQ(hostError([&] { ObjectAccess::setProperty(thing.get(), "P", text.get()); },
                         {"A.Thing.P", "uint32 scalar", "\"abc\""}),
               "WrongValue");
     EXPECT_EQ(m_assigned, COSValue());
@@ -100,14 +100,14 @@ TEST_F(PropertyAccessTest, AssigningAWrongTypeIsAnErrorThatNamesThePropertyAndTh
 TEST_F(PropertyAccessTest, AssignmentReachesAPropertyThatScriptsCannotWrite)
 {
     const OwnedValue thing = makeWithProperty("double scalar", nvcos::COSPropAccess::ScriptReadOnly);
-    ClassObjects::setProperty(thing.get(), "P", makeDouble(4.0).get());
+    ObjectAccess::setProperty(thing.get(), "P", makeDouble(4.0).get());
     EXPECT_EQ(m_assigned, COSValue(4.0));
 }
 
 TEST_F(PropertyAccessTest, AnUnknownPropertyIsAnErrorThatNamesClassAndProperty)
 {
     const OwnedValue thing = makeWithProperty("any");
-    EXPECT_EQ(hostError([&] { ClassObjects::getProperty(thing.get(), "Q"); }, {"A.Thing", "\"Q\""}),
+    EXPECT_EQ(hostError([&] { ObjectAccess::getProperty(thing.get(), "Q"); }, {"A.Thing", "\"Q\""}),
               "UnknownProperty");
 }
 
@@ -138,8 +138,8 @@ TEST_F(PropertyAccessTest, ReachesEachObjectOfAnArray)
     };
     const nvcos::COSInterfacePtr wanted = omGetArrayElement(second.get(), 0);
     const OwnedValue both =
-        ClassObjects::makeObjectArray("A.Thing", {omGetArrayElement(first.get(), 0), wanted});
-    ClassObjects::getProperty(both.get(), "P", 1);
+        ObjectAccess::makeObjectArray("A.Thing", {omGetArrayElement(first.get(), 0), wanted});
+    ObjectAccess::getProperty(both.get(), "P", 1);
     EXPECT_EQ(asked, wanted.get());
 }
 

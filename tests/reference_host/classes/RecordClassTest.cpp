@@ -21,7 +21,7 @@ std::string evenNumber(const nvArray* value)
 
 OwnedValue describeName(const nvArray* object)
 {
-    return makeText("named " + utf8Text(ClassObjects::getProperty(object, "Name").get()));
+    return makeText("named " + utf8Text(ObjectAccess::getProperty(object, "Name").get()));
 }
 
 class RecordClassTest : public ClassesTest {
@@ -38,12 +38,12 @@ protected:
 
     static OwnedValue makeCard(const nvArray* fields = nullptr)
     {
-        return ClassObjects::construct(
-            "A.Card", fields != nullptr ? ClassObjects::Arguments{fields} : ClassObjects::Arguments{});
+        return ObjectAccess::construct(
+            "A.Card", fields != nullptr ? ObjectAccess::Arguments{fields} : ObjectAccess::Arguments{});
     }
     static std::string read(const OwnedValue& card, const char* property)
     {
-        return describe(ClassObjects::getProperty(card.get(), property).get());
+        return describe(ObjectAccess::getProperty(card.get(), property).get());
     }
     static OwnedValue makeFields(const std::vector<std::string>& names)
     {
@@ -56,12 +56,12 @@ TEST_F(RecordClassTest, ObjectsThatHoldEachOtherEndWithTheValuesOfAll)
     ClassSystem::contributeClass("A", [] { return makeRecordClass("Link", {anyProperty("Next")}); });
     const std::int64_t before = Ledger::counter("class instances").undeclared();
     {
-        const OwnedValue one = ClassObjects::construct("A.Link");
-        const OwnedValue other = ClassObjects::construct("A.Link");
+        const OwnedValue one = ObjectAccess::construct("A.Link");
+        const OwnedValue other = ObjectAccess::construct("A.Link");
         const OwnedValue inCell = makeCells({1, 1});
         setCell(inCell.get(), 0, copyShared(one.get()));
-        ClassObjects::setProperty(one.get(), "Next", other.get());
-        ClassObjects::setProperty(other.get(), "Next", inCell.get());
+        ObjectAccess::setProperty(one.get(), "Next", other.get());
+        ObjectAccess::setProperty(other.get(), "Next", inCell.get());
     }
     EXPECT_EQ(Ledger::counter("class instances").undeclared(), before + 2);
     endRecordValues();
@@ -73,7 +73,7 @@ TEST_F(RecordClassTest, AnObjectWhoseValuesHaveEndedReadsAsEmptyAndTakesNone)
     const OwnedValue card = makeCard();
     endRecordValues();
     EXPECT_EQ(read(card, "Even"), "0x0 double");
-    EXPECT_EQ(hostError([&] { ClassObjects::setProperty(card.get(), "Name", makeText(u"x").get()); }, {}),
+    EXPECT_EQ(hostError([&] { ObjectAccess::setProperty(card.get(), "Name", makeText(u"x").get()); }, {}),
               "NullArgument");
 }
 
@@ -90,7 +90,7 @@ TEST_F(RecordClassTest, ObjectsKeepTheirOwnValues)
 {
     const OwnedValue first = makeCard();
     const OwnedValue second = makeCard();
-    ClassObjects::setProperty(first.get(), "Weight", makeDouble(7.0).get());
+    ObjectAccess::setProperty(first.get(), "Weight", makeDouble(7.0).get());
     EXPECT_EQ(read(first, "Weight"), "double 7");
     EXPECT_EQ(read(second, "Weight"), "double 2.5");
 }
@@ -99,7 +99,7 @@ TEST_F(RecordClassTest, AnAssignedValueIsCopied)
 {
     const OwnedValue card = makeCard();
     const OwnedValue value = makeNumber(4.0, nvClassID::UInt32);
-    ClassObjects::setProperty(card.get(), "Even", value.get());
+    ObjectAccess::setProperty(card.get(), "Even", value.get());
     setElement(value.get(), 0, 6.0);
     EXPECT_EQ(read(card, "Even"), "uint32 4");
 }
@@ -107,7 +107,7 @@ TEST_F(RecordClassTest, AnAssignedValueIsCopied)
 TEST_F(RecordClassTest, AValueThatWasReadIsTheReadersOwn)
 {
     const OwnedValue card = makeCard();
-    const OwnedValue value = ClassObjects::getProperty(card.get(), "Weight");
+    const OwnedValue value = ObjectAccess::getProperty(card.get(), "Weight");
     setElement(value.get(), 0, 9.0);
     EXPECT_EQ(read(card, "Weight"), "double 2.5");
 }
@@ -115,7 +115,7 @@ TEST_F(RecordClassTest, AValueThatWasReadIsTheReadersOwn)
 TEST_F(RecordClassTest, AWrongTypeIsAnErrorThatNamesTheProperty)
 {
     const OwnedValue card = makeCard();
-    EXPECT_EQ(hostError([&] { ClassObjects::setProperty(card.get(), "Name", makeDouble(1.0).get()); },
+    EXPECT_EQ(hostError([&] { ObjectAccess::setProperty(card.get(), "Name", makeDouble(1.0).get()); },
                         {"A.Card.Name", "text", "double 1"}),
               "WrongValue");
 }
@@ -123,8 +123,8 @@ TEST_F(RecordClassTest, AWrongTypeIsAnErrorThatNamesTheProperty)
 TEST_F(RecordClassTest, ARefusedValueIsAnErrorThatSaysWhyAndChangesNothing)
 {
     const OwnedValue card = makeCard();
-    ClassObjects::setProperty(card.get(), "Even", makeDouble(2.0).get());
-    EXPECT_EQ(hostError([&] { ClassObjects::setProperty(card.get(), "Even", makeDouble(3.0).get()); },
+    ObjectAccess::setProperty(card.get(), "Even", makeDouble(2.0).get());
+    EXPECT_EQ(hostError([&] { ObjectAccess::setProperty(card.get(), "Even", makeDouble(3.0).get()); },
                         {"A.Card.Even must be even"}),
               "WrongValue");
     EXPECT_EQ(read(card, "Even"), "double 2");
@@ -134,7 +134,7 @@ TEST_F(RecordClassTest, AComputedPropertyIsWorkedOutOnEachReading)
 {
     const OwnedValue card = makeCard();
     EXPECT_EQ(read(card, "Label"), "\"named \"");
-    ClassObjects::setProperty(card.get(), "Name", makeText(u"box").get());
+    ObjectAccess::setProperty(card.get(), "Name", makeText(u"box").get());
     EXPECT_EQ(read(card, "Label"), "\"named box\"");
 }
 
@@ -143,7 +143,7 @@ TEST_F(RecordClassTest, AComputedPropertyIsReadOnlyAndIgnoresAssignment)
     const OwnedValue card = makeCard();
     EXPECT_EQ(describeProperty("A.Card", "Label").value_or(PropertyDescription{}).access,
               nvcos::COSPropAccess::ScriptReadOnly);
-    ClassObjects::setProperty(card.get(), "Label", makeText(u"other").get());
+    ObjectAccess::setProperty(card.get(), "Label", makeText(u"other").get());
     EXPECT_EQ(read(card, "Label"), "\"named \"");
 }
 
@@ -195,7 +195,7 @@ TEST_F(RecordClassTest, SurvivesInEveryCopyOfItsHandle)
 {
     OwnedValue card = makeCard();
     const OwnedValue copy = copyDeep(card.get());
-    ClassObjects::setProperty(card.get(), "Weight", makeDouble(8.0).get());
+    ObjectAccess::setProperty(card.get(), "Weight", makeDouble(8.0).get());
     card.reset();
     EXPECT_EQ(read(copy, "Weight"), "double 8");
 }

@@ -1,4 +1,4 @@
-#include "reference_host/classes/SignalClientClass.hpp"
+#include "reference_host/classes/BuiltInClasses.hpp"
 
 #include "reference_host/calls/HostFunctions.hpp"
 #include "reference_host/classes/ClassReflection.hpp"
@@ -20,15 +20,15 @@ protected:
 
     static constexpr const char* className = "Zelmar.HMI.SignalClient";
 
-    static OwnedValue make() { return ClassObjects::construct(className); }
+    static OwnedValue make() { return ObjectAccess::construct(className); }
     static std::string read(const OwnedValue& client, const std::string& property)
     {
-        return describe(ClassObjects::getProperty(client.get(), property).get());
+        return describe(ObjectAccess::getProperty(client.get(), property).get());
     }
     static std::string assigned(const char* property, const OwnedValue& value)
     {
         const OwnedValue client = make();
-        ClassObjects::setProperty(client.get(), property, value.get());
+        ObjectAccess::setProperty(client.get(), property, value.get());
         return read(client, property);
     }
     static std::string refusal(const char* property, const OwnedValue& value)
@@ -109,12 +109,12 @@ TEST_F(SignalClientClassTest, TheSignalIsWhatTheHostFunctionGivesForThisClient)
 {
     const ScopedHostFunction answer(signalInfoFunction, [](HostFunctionCall& call) {
         ASSERT_EQ(call.inputs().size(), 1U);
-        call.setOutput(0, ClassObjects::getProperty(call.input(0), "UUID"));
+        call.setOutput(0, ObjectAccess::getProperty(call.input(0), "UUID"));
     });
     const OwnedValue client = make();
-    ClassObjects::setProperty(client.get(), "UUID", makeText("mine").get());
+    ObjectAccess::setProperty(client.get(), "UUID", makeText("mine").get());
     EXPECT_EQ(read(client, "SignalInfo"), "\"mine\"");
-    ClassObjects::setProperty(client.get(), "UUID", makeText("now").get());
+    ObjectAccess::setProperty(client.get(), "UUID", makeText("now").get());
     EXPECT_EQ(read(client, "SignalInfo"), "\"now\"");
 }
 
@@ -133,7 +133,7 @@ TEST_F(SignalClientClassTest, TheSignalCannotBeAssigned)
 TEST_F(SignalClientClassTest, TheSignalIsNoFieldOfItsStruct)
 {
     const OwnedValue fields = makeStruct(Dimensions(1, 1), {"SignalInfo"});
-    EXPECT_EQ(hostError([&] { ClassObjects::construct(className, {fields.get()}); }, {"SignalInfo"}),
+    EXPECT_EQ(hostError([&] { ObjectAccess::construct(className, {fields.get()}); }, {"SignalInfo"}),
               "WrongArgument");
 }
 

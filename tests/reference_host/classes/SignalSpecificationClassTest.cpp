@@ -1,4 +1,4 @@
-#include "reference_host/classes/SignalSpecificationClass.hpp"
+#include "reference_host/classes/BuiltInClasses.hpp"
 
 #include "reference_host/classes/ClassReflection.hpp"
 #include "reference_host/values/Value.hpp"
@@ -18,15 +18,15 @@ protected:
 
     static constexpr const char* className = "Zelmar.HMI.SignalSpecification";
 
-    static OwnedValue make() { return ClassObjects::construct(className); }
+    static OwnedValue make() { return ObjectAccess::construct(className); }
     static std::string read(const OwnedValue& specification, const std::string& property)
     {
-        return describe(ClassObjects::getProperty(specification.get(), property).get());
+        return describe(ObjectAccess::getProperty(specification.get(), property).get());
     }
     static std::string assignmentError(const char* property, const OwnedValue& value)
     {
         const OwnedValue specification = make();
-        return hostError([&] { ClassObjects::setProperty(specification.get(), property, value.get()); },
+        return hostError([&] { ObjectAccess::setProperty(specification.get(), property, value.get()); },
                          {className, property});
     }
 };
@@ -105,14 +105,14 @@ TEST_F(SignalSpecificationClassTest, ANumberMustBeANumber)
 TEST_F(SignalSpecificationClassTest, AFlagTakesANumberAsTrueOrFalse)
 {
     const OwnedValue specification = make();
-    ClassObjects::setProperty(specification.get(), "IsFrameBased_", makeDouble(2.0).get());
+    ObjectAccess::setProperty(specification.get(), "IsFrameBased_", makeDouble(2.0).get());
     EXPECT_EQ(read(specification, "IsFrameBased_"), "logical true");
 }
 
 TEST_F(SignalSpecificationClassTest, ExcludeForSaveStaysLogical)
 {
     const OwnedValue specification = make();
-    ClassObjects::setProperty(specification.get(), "ExcludeForSave_", makeDouble(1.0).get());
+    ObjectAccess::setProperty(specification.get(), "ExcludeForSave_", makeDouble(1.0).get());
     EXPECT_EQ(read(specification, "ExcludeForSave_"), "logical true");
 }
 
@@ -121,9 +121,9 @@ TEST_F(SignalSpecificationClassTest, DomainParametersAreAStructOrEmpty)
     const OwnedValue specification = make();
     const OwnedValue parameters = makeStruct({std::size_t{1}, std::size_t{1}}, {"KZID"});
     setField(parameters.get(), 0, "KZID", makeText(u"7"));
-    ClassObjects::setProperty(specification.get(), "DomainParams_", parameters.get());
+    ObjectAccess::setProperty(specification.get(), "DomainParams_", parameters.get());
     EXPECT_EQ(read(specification, "DomainParams_"), "1x1 struct {KZID}");
-    ClassObjects::setProperty(specification.get(), "DomainParams_", makeEmptyValue().get());
+    ObjectAccess::setProperty(specification.get(), "DomainParams_", makeEmptyValue().get());
     EXPECT_EQ(read(specification, "DomainParams_"), "0x0 double");
     EXPECT_EQ(assignmentError("DomainParams_", makeText(u"KZID")), "WrongValue");
 }
@@ -132,9 +132,9 @@ TEST_F(SignalSpecificationClassTest, TheCachedPortIsNumbersOrEmpty)
 {
     const OwnedValue specification = make();
     for (const char* property : {"CachedBlockHandle_", "CachedPortIdx_"}) {
-        ClassObjects::setProperty(specification.get(), property, makeDouble(12.5).get());
+        ObjectAccess::setProperty(specification.get(), property, makeDouble(12.5).get());
         EXPECT_EQ(read(specification, property), "double 12.5");
-        ClassObjects::setProperty(specification.get(), property, makeEmptyValue().get());
+        ObjectAccess::setProperty(specification.get(), property, makeEmptyValue().get());
         EXPECT_EQ(read(specification, property), "0x0 double");
         EXPECT_EQ(assignmentError(property, makeText(u"abc")), "WrongValue");
     }
@@ -145,7 +145,7 @@ TEST_F(SignalSpecificationClassTest, IsConstructedFromAStructOfAnyFields)
     const OwnedValue fields = makeStruct({std::size_t{1}, std::size_t{1}}, {"BlockPath_", "HideInDVX_"});
     setField(fields.get(), 0, "BlockPath_", makeText(u"plant/Gain"));
     setField(fields.get(), 0, "HideInDVX_", makeDouble(1.0));
-    const OwnedValue specification = ClassObjects::construct(className, {fields.get()});
+    const OwnedValue specification = ObjectAccess::construct(className, {fields.get()});
     EXPECT_EQ(read(specification, "BlockPath_"), "\"plant/Gain\"");
     EXPECT_EQ(read(specification, "HideInDVX_"), "logical true");
 }

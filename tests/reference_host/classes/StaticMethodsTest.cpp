@@ -1,4 +1,4 @@
-#include "reference_host/classes/StaticMethods.hpp"
+#include "reference_host/classes/RecordClass.hpp"
 
 #include "reference_host/calls/HostFunctions.hpp"
 #include "reference_host/classes/ClassReflection.hpp"
@@ -19,7 +19,7 @@ OwnedValue join(const std::vector<const nvArray*>& inputs)
 
 OwnedValue makeCard(const std::vector<const nvArray*>& /*inputs*/)
 {
-    return ClassObjects::construct("A.Card");
+    return ObjectAccess::construct("A.Card");
 }
 
 class StaticMethodsTest : public ClassesTest {
@@ -27,17 +27,17 @@ protected:
     void SetUp() override
     {
         ClassSystem::contributeClass("A", [] {
-            return withStaticMethods(makeRecordClass("Card", {numberProperty("Weight", 2.5)}),
-                                     {{"join", 2, "any", join},
-                                      {"make", 0, "A.Card", makeCard},
-                                      {"nothing", 0, "any", [](const auto&) { return nullptr; }}});
+            return makeRecordClass("Card", {numberProperty("Weight", 2.5)},
+                                   {{"join", 2, "any", join},
+                                    {"make", 0, "A.Card", makeCard},
+                                    {"nothing", 0, "any", [](const auto&) { return nullptr; }}});
         });
         ClassSystem::createNamespace("A");
     }
 
-    static std::string call(const char* method, const ClassObjects::Arguments& arguments)
+    static std::string call(const char* method, const ObjectAccess::Arguments& arguments)
     {
-        return describe(ClassObjects::callStatic("A.Card", method, arguments).front().get());
+        return describe(ObjectAccess::callStatic("A.Card", method, arguments).front().get());
     }
 
     const OwnedValue m_left = makeText("l");
@@ -67,8 +67,8 @@ TEST_F(StaticMethodsTest, AreHostFunctionsNamedInFull)
 
 TEST_F(StaticMethodsTest, MayGiveAnObjectOfTheirOwnClass)
 {
-    const OwnedValue made = std::move(ClassObjects::callStatic("A.Card", "make").front());
-    EXPECT_EQ(scalar(ClassObjects::getProperty(made.get(), "Weight").get()), 2.5);
+    const OwnedValue made = std::move(ObjectAccess::callStatic("A.Card", "make").front());
+    EXPECT_EQ(scalar(ObjectAccess::getProperty(made.get(), "Weight").get()), 2.5);
 }
 
 TEST_F(StaticMethodsTest, GiveAnEmptyValueWhereTheyGiveNothing)

@@ -36,7 +36,7 @@ protected:
     {
         const OwnedValue first = makeDouble(0.0);
         try {
-            ClassObjects::callStatic("A.Thing", type, {first.get(), value.get()});
+            ObjectAccess::callStatic("A.Thing", type, {first.get(), value.get()});
         } catch (const zmsvException& error) {
             EXPECT_EQ(error.id().key(), "WrongArgument");
             return std::nullopt;
@@ -152,13 +152,13 @@ TEST_F(ValueConversionTest, AClassRefusesEverythingElse)
 {
     test_classes::ClassScript other;
     test_classes::addClass(*test_classes::findNamespace("A"), "Other", other);
-    EXPECT_FALSE(convert("A.Thing", ClassObjects::construct("A.Other")));
-    EXPECT_FALSE(convert("A.Thing", ClassObjects::makeObjectArray("A.Thing", {})));
+    EXPECT_FALSE(convert("A.Thing", ObjectAccess::construct("A.Other")));
+    EXPECT_FALSE(convert("A.Thing", ObjectAccess::makeObjectArray("A.Thing", {})));
     EXPECT_FALSE(convert("A.Thing", makeStruct({std::size_t{1}, std::size_t{1}}, {})));
     EXPECT_FALSE(convert("A.Thing", makeEmptyValue()));
     const OwnedValue thing = makeThing();
     const nvcos::COSInterfacePtr instance = omGetArrayElement(thing.get(), 0);
-    EXPECT_FALSE(convert("A.Thing", ClassObjects::makeObjectArray("A.Thing", {instance, instance})));
+    EXPECT_FALSE(convert("A.Thing", ObjectAccess::makeObjectArray("A.Thing", {instance, instance})));
 }
 
 }  // namespace

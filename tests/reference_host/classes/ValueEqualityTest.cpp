@@ -217,21 +217,21 @@ protected:
 
     static OwnedValue makeNamed(const char* className, const char* name)
     {
-        OwnedValue object = ClassObjects::construct(className);
-        ClassObjects::setProperty(object.get(), "Name", makeText(name).get());
+        OwnedValue object = ObjectAccess::construct(className);
+        ObjectAccess::setProperty(object.get(), "Name", makeText(name).get());
         return object;
     }
     static OwnedValue makeCard(const char* name) { return makeNamed("A.Card", name); }
     static OwnedValue arrayOf(const OwnedValue& first, const OwnedValue& second)
     {
-        return ClassObjects::makeObjectArray("A.Card",
+        return ObjectAccess::makeObjectArray("A.Card",
                                              {objects(first.get()).front(), objects(second.get()).front()});
     }
 };
 
 TEST_F(ObjectEqualityTest, HandlesOfOneInstanceAreEqual)
 {
-    const OwnedValue plain = ClassObjects::construct("A.Plain");
+    const OwnedValue plain = ObjectAccess::construct("A.Plain");
     EXPECT_TRUE(equal(plain, copyDeep(plain.get())));
 }
 
@@ -243,7 +243,7 @@ TEST_F(ObjectEqualityTest, InstancesAreEqualWhenTheirAssignablePropertiesAre)
 
 TEST_F(ObjectEqualityTest, InstancesWithoutSuchAPropertyAreNeverEqual)
 {
-    EXPECT_FALSE(equal(ClassObjects::construct("A.Plain"), ClassObjects::construct("A.Plain")));
+    EXPECT_FALSE(equal(ObjectAccess::construct("A.Plain"), ObjectAccess::construct("A.Plain")));
 }
 
 TEST_F(ObjectEqualityTest, InstancesOfDifferentClassesDiffer)
@@ -263,7 +263,7 @@ TEST_F(ObjectEqualityTest, ObjectsInsideObjectsAreComparedToo)
 {
     const auto makeOuter = [](const char* innerName) {
         OwnedValue outer = makeCard("outer");
-        ClassObjects::setProperty(outer.get(), "More", makeCard(innerName).get());
+        ObjectAccess::setProperty(outer.get(), "More", makeCard(innerName).get());
         return outer;
     };
     EXPECT_TRUE(equal(makeOuter("a"), makeOuter("a")));
@@ -274,11 +274,11 @@ TEST_F(ObjectEqualityTest, ObjectsThatLeadBackToThemselvesCanBeCompared)
 {
     const OwnedValue a = makeCard("a");
     const OwnedValue b = makeCard("a");
-    ClassObjects::setProperty(a.get(), "More", b.get());
-    ClassObjects::setProperty(b.get(), "More", a.get());
+    ObjectAccess::setProperty(a.get(), "More", b.get());
+    ObjectAccess::setProperty(b.get(), "More", a.get());
     EXPECT_TRUE(equal(a, b));
-    ClassObjects::setProperty(a.get(), "More", makeEmptyValue().get());
-    ClassObjects::setProperty(b.get(), "More", makeEmptyValue().get());
+    ObjectAccess::setProperty(a.get(), "More", makeEmptyValue().get());
+    ObjectAccess::setProperty(b.get(), "More", makeEmptyValue().get());
 }
 
 // ---- the host function --------------------------------------------------------------------------

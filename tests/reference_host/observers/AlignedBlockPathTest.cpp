@@ -1,8 +1,8 @@
 #include "reference_host/observers/AlignedBlockPath.hpp"
 
 #include "reference_host/calls/HostFunctions.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
 #include "reference_host/classes/ClassSystem.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"
 #include "tests/reference_host/model/DiagramTest.hpp"
@@ -10,10 +10,10 @@
 using reference_host::alignedBlockPath;
 using reference_host::Block;
 using reference_host::BlockKind;
-using reference_host::ClassObjects;
 using reference_host::ClassSystem;
 using reference_host::HostFunctions;
 using reference_host::Model;
+using reference_host::ObjectAccess;
 using reference_host::OpenModels;
 using reference_host::OwnedValue;
 
@@ -131,9 +131,9 @@ protected:
 
     static OwnedValue makeSignal(std::u16string_view zid, std::u16string_view path)
     {
-        OwnedValue signal = ClassObjects::construct("Zelmar.HMI.SignalSpecification");
-        ClassObjects::setProperty(signal.get(), "ZID_", reference_host::makeText(zid).get());
-        ClassObjects::setProperty(signal.get(), "BlockPath_", reference_host::makeText(path).get());
+        OwnedValue signal = ObjectAccess::construct("Zelmar.HMI.SignalSpecification");
+        ObjectAccess::setProperty(signal.get(), "ZID_", reference_host::makeText(zid).get());
+        ObjectAccess::setProperty(signal.get(), "BlockPath_", reference_host::makeText(path).get());
         return signal;
     }
 

@@ -53,7 +53,7 @@ TEST_F(ModelObserversTest, AreNotOfAnotherClass)
 TEST_F(ModelObserversTest, AreNotSeveral)
 {
     const nvcos::COSInterfacePtr instance = objects(make("ModelObservers", {}).get()).front();
-    EXPECT_EQ(refusal(ClassObjects::makeObjectArray("Zelmar.HMI.ModelObservers", {instance, instance})),
+    EXPECT_EQ(refusal(ObjectAccess::makeObjectArray("Zelmar.HMI.ModelObservers", {instance, instance})),
               "SignalObserversSetParamNonScalar");
     EXPECT_EQ(refusal(makeText("ab")), "SignalObserversSetParamNonScalar");
 }

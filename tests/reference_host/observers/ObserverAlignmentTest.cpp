@@ -27,7 +27,7 @@ protected:
         std::vector<std::string> lines;
         for (std::size_t i = 0; i < elementCount(clients.get()); ++i) {
             const OwnedValue client =
-                ClassObjects::makeObjectArray("Zelmar.HMI.SignalClient", {objects(clients.get())[i]});
+                ObjectAccess::makeObjectArray("Zelmar.HMI.SignalClient", {objects(clients.get())[i]});
             lines.push_back(utf8Text(property(client, "UUID").get()) + " " + firstText(client, "ModelPath_") +
                             " " + firstText(client, "ModelPathZID_"));
         }
@@ -44,7 +44,7 @@ TEST_F(ObserverAlignmentTest, ClientsComeInOrderWithTheirFullPaths)
 
 TEST_F(ObserverAlignmentTest, NoClientsAreAnEmptyArray)
 {
-    m_clients = ClassObjects::construct("Zelmar.HMI.StreamingClients", {makeText("plant").get()});
+    m_clients = ObjectAccess::construct("Zelmar.HMI.StreamingClients", {makeText("plant").get()});
     EXPECT_TRUE(aligned().empty());
 }
 
@@ -65,24 +65,24 @@ TEST_F(ObserverAlignmentTest, MovedBlocksAreFollowedEvenWhenAnotherTookTheirPlac
 TEST_F(ObserverAlignmentTest, ARenamedModelIsFollowedUnderTheCollectionsName)
 {
     OpenModels::rename(u"plant", u"works");
-    ClassObjects::setProperty(m_clients.get(), "Model", makeText("works").get());
+    ObjectAccess::setProperty(m_clients.get(), "Model", makeText("works").get());
     EXPECT_EQ(aligned()[0], "gauge works/Panel/Gauge works:2");
 }
 
 TEST_F(ObserverAlignmentTest, ABlockWithoutAZidIsFoundByItsPathAndGetsOne)
 {
     OwnedValue client = makeClient(&m_gauge, "bare", "");
-    ClassObjects::setProperty(client.get(), "ModelPathZID_", makeEmptyValue().get());
-    ClassObjects::callMethod(m_clients.get(), "add", {client.get()});
+    ObjectAccess::setProperty(client.get(), "ModelPathZID_", makeEmptyValue().get());
+    ObjectAccess::callMethod(m_clients.get(), "add", {client.get()});
     EXPECT_EQ(aligned()[2], "bare plant/Panel/Gauge plant:2");
 }
 
 TEST_F(ObserverAlignmentTest, AnObserverWhoseBlockIsGoneStaysAsItIs)
 {
     OwnedValue client = makeClient(&m_gauge, "lost", "");
-    ClassObjects::setProperty(client.get(), "ModelPath_", makeCell(u"plant/Nowhere").get());
-    ClassObjects::setProperty(client.get(), "ModelPathZID_", makeCell(u"plant:99").get());
-    ClassObjects::callMethod(m_clients.get(), "add", {client.get()});
+    ObjectAccess::setProperty(client.get(), "ModelPath_", makeCell(u"plant/Nowhere").get());
+    ObjectAccess::setProperty(client.get(), "ModelPathZID_", makeCell(u"plant:99").get());
+    ObjectAccess::callMethod(m_clients.get(), "add", {client.get()});
     EXPECT_EQ(aligned()[2], "lost plant/Nowhere plant:99");
 }
 
@@ -101,13 +101,13 @@ TEST_F(ObserverAlignmentTest, EveryPartOfAPathIsFollowed)
     setCell(zids.get(), 0, makeText(m_panel.zid()));
     setCell(zids.get(), 1, makeText(m_lamp.zid()));
     OwnedValue client = makeClient(nullptr, "deep", "");
-    ClassObjects::setProperty(client.get(), "ModelPath_", path.get());
-    ClassObjects::setProperty(client.get(), "ModelPathZID_", zids.get());
-    ClassObjects::callMethod(m_clients.get(), "add", {client.get()});
+    ObjectAccess::setProperty(client.get(), "ModelPath_", path.get());
+    ObjectAccess::setProperty(client.get(), "ModelPathZID_", zids.get());
+    ObjectAccess::callMethod(m_clients.get(), "add", {client.get()});
     m_model->rename(m_lamp, u"Lampe");
     const OwnedValue clients = call({m_clients.get()});
     const OwnedValue deep =
-        ClassObjects::makeObjectArray("Zelmar.HMI.SignalClient", {objects(clients.get())[2]});
+        ObjectAccess::makeObjectArray("Zelmar.HMI.SignalClient", {objects(clients.get())[2]});
     EXPECT_EQ(utf8Text(cell(property(deep, "ModelPath_").get(), 1)), "plant/Panel/Lampe");
 }
 
@@ -120,7 +120,7 @@ TEST_F(ObserverAlignmentTest, TheCollectionIsLeftAlone)
 
 TEST_F(ObserverAlignmentTest, ACollectionWhoseModelIsNotOpenIsAnError)
 {
-    ClassObjects::setProperty(m_clients.get(), "Model", makeText("other").get());
+    ObjectAccess::setProperty(m_clients.get(), "Model", makeText("other").get());
     EXPECT_EQ(hostError([&] { aligned(); }), "ModelNotOpen");
 }
 

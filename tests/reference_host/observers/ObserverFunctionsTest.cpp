@@ -42,11 +42,11 @@ TEST_F(ObserverFunctionsTest, CollectionsOfEqualClientsAreEqualValues)
 {
     addClient(&m_gauge, "g", "signal");
     const OwnedValue other =
-        ClassObjects::construct("Zelmar.HMI.StreamingClients", {makeText("plant").get()});
-    ClassObjects::callMethod(other.get(), "add", {makeClient(&m_gauge, "g", "signal").get()});
+        ObjectAccess::construct("Zelmar.HMI.StreamingClients", {makeText("plant").get()});
+    ObjectAccess::callMethod(other.get(), "add", {makeClient(&m_gauge, "g", "signal").get()});
     const std::vector<const nvArray*> inputs{m_clients.get(), other.get()};
     EXPECT_EQ(describe(HostFunctions::call("isequal", inputs, 1).front().get()), "logical true");
-    ClassObjects::setProperty(other.get(), "Model", makeText("works").get());
+    ObjectAccess::setProperty(other.get(), "Model", makeText("works").get());
     EXPECT_EQ(describe(HostFunctions::call("isequal", inputs, 1).front().get()), "logical false");
 }
 

@@ -25,9 +25,9 @@ protected:
     void addLost(const char* uuid, const char* signalUUID) const
     {
         const OwnedValue client = makeClient(nullptr, uuid, signalUUID);
-        ClassObjects::setProperty(client.get(), "ModelPath_", makeCell(u"plant/Nowhere").get());
-        ClassObjects::setProperty(client.get(), "ModelPathZID_", makeCell(u"plant:99").get());
-        ClassObjects::callMethod(m_clients.get(), "add", {client.get()});
+        ObjectAccess::setProperty(client.get(), "ModelPath_", makeCell(u"plant/Nowhere").get());
+        ObjectAccess::setProperty(client.get(), "ModelPathZID_", makeCell(u"plant:99").get());
+        ObjectAccess::callMethod(m_clients.get(), "add", {client.get()});
     }
 };
 
@@ -61,7 +61,7 @@ TEST_F(ObserverValidationTest, ClientsWhoseSignalIsGoneAreRemoved)
 TEST_F(ObserverValidationTest, AClientGoesWithItsSignal)
 {
     addClient(&m_gauge, "a", "signal");
-    ClassObjects::callMethod(m_signals.get(), "remove", {makeDouble(1.0).get()});
+    ObjectAccess::callMethod(m_signals.get(), "remove", {makeDouble(1.0).get()});
     validate();
     EXPECT_EQ(clientUUIDs(), Uuids{});
 }

@@ -5,9 +5,9 @@
 #include "host/Exceptions.hpp"
 #include "reference_host/calls/HostFunctions.hpp"
 #include "reference_host/calls/Warnings.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
 #include "reference_host/classes/ClassReflection.hpp"
 #include "reference_host/classes/InterfaceManager.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/model/OpenModels.hpp"
 #include "reference_host/observers/AlignedBlockPath.hpp"
 #include "reference_host/observers/ObserverFunctions.hpp"
@@ -45,8 +45,8 @@ protected:
         m_gain.addPort(PortKind::Output, u"y1");
         m_gain.addPort(PortKind::Output, u"y2");
         OpenModels::add(m_model);
-        m_signals = ClassObjects::construct("Zelmar.HMI.InstrumentedSignals", {makeText("plant").get()});
-        m_clients = ClassObjects::construct("Zelmar.HMI.StreamingClients", {makeText("plant").get()});
+        m_signals = ObjectAccess::construct("Zelmar.HMI.InstrumentedSignals", {makeText("plant").get()});
+        m_clients = ObjectAccess::construct("Zelmar.HMI.StreamingClients", {makeText("plant").get()});
     }
     void TearDown() override
     {
@@ -58,9 +58,9 @@ protected:
     using Properties = std::vector<std::pair<const char*, OwnedValue>>;
     static OwnedValue make(const std::string& simpleName, const Properties& properties)
     {
-        OwnedValue object = ClassObjects::construct("Zelmar.HMI." + simpleName);
+        OwnedValue object = ObjectAccess::construct("Zelmar.HMI." + simpleName);
         for (const auto& [name, value] : properties) {
-            ClassObjects::setProperty(object.get(), name, value.get());
+            ObjectAccess::setProperty(object.get(), name, value.get());
         }
         return object;
     }
@@ -81,7 +81,7 @@ protected:
         properties.emplace_back("ZID_", makeText(block.zid()));
         properties.emplace_back("OutputPortIndex_", makeDouble(port));
         properties.emplace_back("BindingRule_", makeText("same-name"));
-        ClassObjects::callMethod(m_signals.get(), "add", {make("SignalSpecification", properties).get()});
+        ObjectAccess::callMethod(m_signals.get(), "add", {make("SignalSpecification", properties).get()});
     }
 
     /// A client on a block of the dashboard; none for null.
@@ -99,7 +99,7 @@ protected:
     }
     void addClient(const Block* block, const char* uuid, const char* signalUUID) const
     {
-        ClassObjects::callMethod(m_clients.get(), "add", {makeClient(block, uuid, signalUUID).get()});
+        ObjectAccess::callMethod(m_clients.get(), "add", {makeClient(block, uuid, signalUUID).get()});
     }
 
     static std::u16string toWide(const std::string& ascii) { return {ascii.begin(), ascii.end()}; }
@@ -107,14 +107,14 @@ protected:
     /// Sets the model's observers to the pair of these collections.
     void setObservers() const
     {
-        const ClassObjects::Results pair = ClassObjects::callStatic(
+        const ObjectAccess::Results pair = ObjectAccess::callStatic(
             "Zelmar.HMI.ModelObservers", "createFromSignalsAndClients", {m_signals.get(), m_clients.get()});
         m_model->setObservers(pair.front().get());
     }
 
     static OwnedValue property(const OwnedValue& object, const char* name)
     {
-        return ClassObjects::getProperty(object.get(), name);
+        return ObjectAccess::getProperty(object.get(), name);
     }
     static std::string read(const OwnedValue& object, const char* name)
     {
@@ -123,7 +123,7 @@ protected:
     static OwnedValue element(const OwnedValue& collection, int index)
     {
         return std::move(
-            ClassObjects::callMethod(collection.get(), "get", {makeDouble(index).get()}).front());
+            ObjectAccess::callMethod(collection.get(), "get", {makeDouble(index).get()}).front());
     }
 
     /// The text in the first cell of a property.

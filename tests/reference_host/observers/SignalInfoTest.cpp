@@ -105,16 +105,16 @@ TEST_F(SignalInfoTest, ComesFromTheSourceModelOfAClientWithoutAPath)
 TEST_F(SignalInfoTest, ComesFromTheModelInWhichThePathBegins)
 {
     OwnedValue client = makeClient(&m_gauge, "g", "second");
-    ClassObjects::setProperty(client.get(), "SourceModel_", makeText("elsewhere").get());
+    ObjectAccess::setProperty(client.get(), "SourceModel_", makeText("elsewhere").get());
     EXPECT_EQ(read(infoOf(client), "UUID"), "\"second\"");
 }
 
 TEST_F(SignalInfoTest, IsFoundWhereverTheSignalHasMovedTo)
 {
     infoOf(m_client);
-    ClassObjects::callMethod(m_signals.get(), "remove", {makeDouble(1.0).get()});
+    ObjectAccess::callMethod(m_signals.get(), "remove", {makeDouble(1.0).get()});
     EXPECT_EQ(read(infoOf(m_client), "UUID"), "\"second\"");
-    ClassObjects::callMethod(m_signals.get(), "remove", {makeDouble(1.0).get()});
+    ObjectAccess::callMethod(m_signals.get(), "remove", {makeDouble(1.0).get()});
     expectNone(m_client);
     addSignal(m_gain, 1, "another");
     addSignal(m_gain, 2, "second");
@@ -127,13 +127,13 @@ TEST_F(SignalInfoTest, OfOneModelIsNotTakenFromAnother)
     const auto other = std::make_shared<Model>(u"other");
     OpenModels::add(other);
     const OwnedValue signals =
-        ClassObjects::construct("Zelmar.HMI.InstrumentedSignals", {makeText("other").get()});
-    other->setObservers(ClassObjects::callStatic("Zelmar.HMI.ModelObservers", "createFromSignalsAndClients",
+        ObjectAccess::construct("Zelmar.HMI.InstrumentedSignals", {makeText("other").get()});
+    other->setObservers(ObjectAccess::callStatic("Zelmar.HMI.ModelObservers", "createFromSignalsAndClients",
                                                  {signals.get(), m_clients.get()})
                             .front()
                             .get());
     const OwnedValue client = makeClient(nullptr, "o", "second");
-    ClassObjects::setProperty(client.get(), "SourceModel_", makeText("other").get());
+    ObjectAccess::setProperty(client.get(), "SourceModel_", makeText("other").get());
     expectNone(client);
     EXPECT_EQ(read(infoOf(m_client), "UUID"), "\"second\"");
 }

@@ -416,7 +416,7 @@ TEST_F(ModelFileTest, CollectionThatShrinksWhileItIsSavedIsNotSaved)
     setObservers();
     const FileProgress shrink = [this](const char* step, std::size_t, std::size_t) {
         if (std::string(step) == "streaming clients") {
-            ClassObjects::callMethod(m_signals.get(), "remove", {makeNumber(1.0, nvClassID::UInt32).get()});
+            ObjectAccess::callMethod(m_signals.get(), "remove", {makeNumber(1.0, nvClassID::UInt32).get()});
         }
     };
     EXPECT_EQ(hostError([&] { saveModel(*m_model, m_file, shrink); }), "UnwritableFile");

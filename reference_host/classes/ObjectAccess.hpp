@@ -11,11 +11,12 @@
 
 namespace reference_host {
 
-/// What host code and scripts do with classes and their instances: construct, call, read, assign.
+/// Access to classes and their objects for host code and scripts: construct, call, read, assign.
 ///
 /// Arguments are borrowed, results owned. Arguments are converted to the types that the method's
 /// signature declares; a wrong type, one too few or one too many is a host error that names class,
-/// method and argument (1-based, the object not counted). What a method throws comes out unchanged.
+/// method and argument (1-based, the object not counted). Exceptions of a method pass through; if it could
+/// not use a value that it was given, the text gets the argument or property in front.
 ///
 /// An instance method is one whose first declared input has the type of its own class; the object is
 /// passed there. Every other method is static: it can be called on the class and on an object, and the
@@ -23,9 +24,9 @@ namespace reference_host {
 /// reaches it.
 ///
 /// Class names are full names. Main thread only.
-class ZM_REFHOST_API ClassObjects {
+class ZM_REFHOST_API ObjectAccess {
 public:
-    ClassObjects() = delete;
+    ObjectAccess() = delete;
 
     using Arguments = std::vector<const nvArray*>;
     using Results = std::vector<OwnedValue>;
@@ -49,8 +50,8 @@ public:
     /// The value of a property of object `index` (0-based); null when the property has none.
     static OwnedValue getProperty(const nvArray* object, const std::string& property, std::size_t index = 0);
 
-    /// Assigns a copy of a value. Always reaches the property, whatever its access code says: who keeps
-    /// scripts to the code asks for it first (`ClassReflection`).
+    /// Assigns a copy of a value, whatever the property's access code is. Callers that act for a script check
+    /// the code first (`ClassReflection`).
     static void setProperty(nvArray* object, const std::string& property, const nvArray* value,
                             std::size_t index = 0);
 

@@ -1,0 +1,16 @@
+#ifndef ZM_REFERENCE_HOST_CLASSES_CLASS_ERRORS_HPP
+#define ZM_REFERENCE_HOST_CLASSES_CLASS_ERRORS_HPP
+
+#include "reference_host/support/ErrorCatalog.hpp"
+
+namespace reference_host {
+
+/// The catalog of the class system's errors.
+inline constexpr const char* classCatalog = "reference_host:classes";
+
+/// Throws the message `key` of the class catalog.
+[[noreturn]] void throwClassError(const char* key, MessageArguments arguments = {});
+
+}  // namespace reference_host
+
+#endif
