@@ -1,6 +1,6 @@
 #include "python/Bindings.hpp"
-#include "python/CallArguments.hpp"
 #include "python/Edge.hpp"
+#include "python/ScriptArguments.hpp"
 #include "python/ScriptFunctions.hpp"
 #include "reference_host/calls/HostFunctions.hpp"
 

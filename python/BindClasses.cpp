@@ -1,7 +1,7 @@
 #include "python/Bindings.hpp"
-#include "python/CallArguments.hpp"
 #include "python/Conversion.hpp"
 #include "python/Edge.hpp"
+#include "python/ScriptArguments.hpp"
 #include "python/ValueHandle.hpp"
 #include "reference_host/classes/ClassReflection.hpp"
 #include "reference_host/classes/ClassSystem.hpp"

@@ -1,7 +1,7 @@
 #include "python/Bindings.hpp"
 #include "python/DiagramReferences.hpp"
 #include "python/Edge.hpp"
-#include "python/Text.hpp"
+#include "python/PythonText.hpp"
 #include "recorder/PortNames.hpp"
 #include "reference_host/model/OpenModels.hpp"
 

@@ -3,12 +3,11 @@
 #include "python/Conversion.hpp"
 #include "python/DiagramReferences.hpp"
 #include "python/Edge.hpp"
-#include "python/Text.hpp"
+#include "python/PythonText.hpp"
 #include "reference_host/drawing/DiagramDrawing.hpp"
 #include "reference_host/model/EditHistory.hpp"
 #include "reference_host/model/EditorEvents.hpp"
 #include "reference_host/model/OpenModels.hpp"
-#include "reference_host/observers/EditorFunctions.hpp"
 #include "reference_host/observers/ObserverFunctions.hpp"
 
 #include <pybind11/stl.h>

@@ -2,7 +2,7 @@
 #include "python/Conversion.hpp"
 #include "python/DiagramReferences.hpp"
 #include "python/Edge.hpp"
-#include "python/Text.hpp"
+#include "python/PythonText.hpp"
 #include "recorder/FileRecordingBlock.hpp"
 #include "recorder/Replay.hpp"
 #include "recorder/VariableRecordingBlock.hpp"

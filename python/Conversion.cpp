@@ -1,7 +1,7 @@
 #include "python/Conversion.hpp"
 
 #include "python/ArrayBuffers.hpp"
-#include "python/Text.hpp"
+#include "python/PythonText.hpp"
 #include "python/ValueHandle.hpp"
 #include "reference_host/values/ValueContainers.hpp"
 #include "reference_host/values/ValueMaking.hpp"

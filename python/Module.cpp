@@ -6,7 +6,8 @@
 #include "reference_host/classes/ClassSystem.hpp"
 #include "reference_host/classes/RecordClass.hpp"
 #include "reference_host/model/OpenModels.hpp"
-#include "reference_host/observers/AlignedBlockPath.hpp"
+#include "reference_host/observers/AlignedPaths.hpp"
+#include "reference_host/observers/ObserverFunctions.hpp"
 #include "reference_host/support/Ledger.hpp"
 
 #include <dlfcn.h>

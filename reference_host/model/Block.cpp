@@ -2,7 +2,6 @@
 
 #include "host/Text.hpp"
 #include "reference_host/model/DiagramErrors.hpp"
-#include "reference_host/model/Model.hpp"
 #include "reference_host/support/ChangeCount.hpp"
 
 #include <algorithm>
@@ -42,7 +41,14 @@ std::u16string Block::path() const
 
 std::string Block::zid() const
 {
-    return m_parent == nullptr ? std::string() : toUtf8(m_model->name()) + ':' + std::to_string(m_number);
+    if (m_parent == nullptr) {
+        return {};
+    }
+    const Block* root = m_parent;
+    while (root->m_parent != nullptr) {
+        root = root->m_parent;
+    }
+    return toUtf8(root->m_name) + ':' + std::to_string(m_number);  // the model has the name of its root
 }
 
 void Block::addPort(PortKind kind, std::u16string name, std::uint32_t origin)

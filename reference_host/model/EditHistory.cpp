@@ -3,7 +3,6 @@
 #include "host/Text.hpp"
 #include "reference_host/model/DiagramErrors.hpp"
 #include "reference_host/model/OpenModels.hpp"
-#include "reference_host/observers/ModelRename.hpp"
 
 #include <algorithm>
 #include <exception>
@@ -202,7 +201,7 @@ void EditHistory::renameModel(const std::u16string& name)
 {
     const auto renameTo = [this](const std::u16string& newName) {
         if (OpenModels::find(m_model.name()).get() == &m_model) {
-            renameModelWithObservers(m_model.name(), newName);
+            OpenModels::renameWithObservers(m_model.name(), newName);
         } else {
             m_model.setName(newName);
         }

@@ -66,7 +66,7 @@ public:
     /// Gives every output port another number: at old number - 1 the new one.
     void reorderOutputs(Block& block, const std::vector<int>& newNumbers);
 
-    /// Renames the model as `renameModelWithObservers` where it is open.
+    /// Renames the model; an open one as `OpenModels::renameWithObservers`.
     void renameModel(const std::u16string& name);
 
     void setParameter(Block& block, const std::u16string& name, std::u16string value);

@@ -1,8 +1,13 @@
 #include "reference_host/model/Model.hpp"
 
 #include "host/Text.hpp"
+#include "reference_host/classes/BuiltInClasses.hpp"
 #include "reference_host/model/DiagramErrors.hpp"
 #include "reference_host/model/EditHistory.hpp"
+#include "reference_host/support/ChangeCount.hpp"
+#include "reference_host/support/MessageCatalog.hpp"
+#include "reference_host/values/ValueMaking.hpp"
+#include "reference_host/values/ValueReading.hpp"
 
 #include <algorithm>
 #include <charconv>
@@ -73,6 +78,12 @@ std::vector<Block*> withContents(Block& block)
         }
     }
     return all;
+}
+
+[[noreturn]] void refuseObservers(const char* key)
+{
+    const zmsvMessageId id("dvx_hmi_foundation:errors", key);
+    throw zmsvException(id, MessageCatalog::text(id));
 }
 
 }  // namespace
@@ -246,6 +257,27 @@ Block* Model::findByHandle(double handle) const
 void Model::setName(std::u16string name)
 {
     m_root.rename(checkedName(std::move(name)));
+}
+
+OwnedValue Model::observers() const
+{
+    return copyShared(m_observers.get());
+}
+
+void Model::setObservers(const nvArray* value)
+{
+    ChangeCount::diagramChanged();
+    if (isEmpty(value)) {
+        m_observers.reset();
+        return;
+    }
+    if (elementCount(value) != 1) {
+        refuseObservers("SignalObserversSetParamNonScalar");
+    }
+    if (!isOfClass(value, modelObserversClass)) {
+        refuseObservers("SignalObserversSetParamInvalidType");
+    }
+    m_observers = copyShared(value);
 }
 
 }  // namespace reference_host

@@ -34,6 +34,9 @@ void checkFree(const std::u16string& name)
     }
 }
 
+/// Constant-initialised, so that it can be set at load.
+constinit OpenModels::Renaming renamingSet = nullptr;
+
 }  // namespace
 
 void OpenModels::add(std::shared_ptr<Model> model)
@@ -69,6 +72,21 @@ void OpenModels::rename(const std::u16string& oldName, const std::u16string& new
     auto entry = models().extract(found);
     entry.key() = newName;
     models().insert(std::move(entry));
+}
+
+bool OpenModels::setRenaming(Renaming renaming) noexcept
+{
+    renamingSet = renaming;
+    return true;
+}
+
+void OpenModels::renameWithObservers(const std::u16string& oldName, const std::u16string& newName)
+{
+    if (renamingSet != nullptr) {
+        renamingSet(oldName, newName);
+    } else {
+        rename(oldName, newName);
+    }
 }
 
 std::shared_ptr<Model> OpenModels::find(const std::u16string& name)

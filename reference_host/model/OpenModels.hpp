@@ -30,6 +30,11 @@ public:
     /// Gives an open model another name; full paths and ZIDs follow.
     static void rename(const std::u16string& oldName, const std::u16string& newName);
 
+    /// As `rename`, by the function that was set for it: a room above has a model's observers follow.
+    using Renaming = void (*)(std::u16string oldName, std::u16string newName);
+    static void renameWithObservers(const std::u16string& oldName, const std::u16string& newName);
+    static bool setRenaming(Renaming renaming) noexcept;  ///< true, for the initialiser of a constant
+
     /// The open model of that name; null when there is none.
     static std::shared_ptr<Model> find(const std::u16string& name);
 

@@ -64,4 +64,11 @@ void renameModelWithObservers(std::u16string oldName, std::u16string newName)
     }
 }
 
+namespace {
+
+/// At load, before any model can be renamed.
+[[maybe_unused]] const bool isRenamingSet = OpenModels::setRenaming(renameModelWithObservers);
+
+}  // namespace
+
 }  // namespace reference_host

@@ -4,11 +4,27 @@
 #include "reference_host/classes/BuiltInClasses.hpp"
 #include "reference_host/classes/InterfaceManager.hpp"
 #include "reference_host/classes/ValueEquality.hpp"
-#include "reference_host/observers/ObserverAlignment.hpp"
+#include "reference_host/model/EditorEvents.hpp"
+#include "reference_host/observers/AlignedPaths.hpp"
+#include "reference_host/observers/ObservedPorts.hpp"
 #include "reference_host/observers/ObserverValidation.hpp"
 #include "reference_host/observers/SignalInfo.hpp"
+#include "reference_host/observers/SignalRebinding.hpp"
 
 namespace reference_host {
+
+void installDiagramFunctions()
+{
+    HostFunctions::replace("getAlignedBlockPath", getAlignedBlockPath);
+}
+
+void installEditorFunctions()
+{
+    HostFunctions::replace("applyRebindingRules", applyRebindingRules);
+    HostFunctions::replace("getObservedPorts", getObservedPorts);
+    HostFunctions::replace("getPortsWithBadges", getPortsWithBadges);
+    HostFunctions::replace("Zelmar.HMI.zmhmi", EditorEvents::record);
+}
 
 void installObserverFunctions()
 {

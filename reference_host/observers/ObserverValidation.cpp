@@ -2,7 +2,7 @@
 
 #include "host/Text.hpp"
 #include "reference_host/classes/ObjectAccess.hpp"
-#include "reference_host/observers/AlignedBlockPath.hpp"
+#include "reference_host/observers/AlignedPaths.hpp"
 #include "reference_host/observers/CollectionAccess.hpp"
 #include "reference_host/observers/SignalRecords.hpp"
 

@@ -9,7 +9,7 @@
 #include "reference_host/classes/InterfaceManager.hpp"
 #include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/model/OpenModels.hpp"
-#include "reference_host/observers/AlignedBlockPath.hpp"
+#include "reference_host/observers/AlignedPaths.hpp"
 #include "reference_host/observers/ObserverFunctions.hpp"
 #include "reference_host/values/Value.hpp"
 #include "reference_host/values/ValueContainers.hpp"

@@ -1,5 +1,5 @@
-#ifndef ZM_PYTHON_CALL_ARGUMENTS_HPP
-#define ZM_PYTHON_CALL_ARGUMENTS_HPP
+#ifndef ZM_PYTHON_SCRIPT_ARGUMENTS_HPP
+#define ZM_PYTHON_SCRIPT_ARGUMENTS_HPP
 
 #include "host/Exceptions.hpp"
 #include "python/Conversion.hpp"

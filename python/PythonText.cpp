@@ -1,4 +1,4 @@
-#include "python/Text.hpp"
+#include "python/PythonText.hpp"
 
 #include <bit>
 

@@ -1,4 +1,4 @@
-#include "python/CallArguments.hpp"
+#include "python/ScriptArguments.hpp"
 
 #include <cstdint>
 #include <utility>

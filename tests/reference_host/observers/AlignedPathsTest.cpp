@@ -1,4 +1,5 @@
-#include "reference_host/observers/AlignedBlockPath.hpp"
+#include "reference_host/observers/AlignedPaths.hpp"
+#include "reference_host/observers/ObserverFunctions.hpp"
 
 #include "reference_host/calls/HostFunctions.hpp"
 #include "reference_host/classes/ClassSystem.hpp"

@@ -1,5 +1,5 @@
-#ifndef ZM_PYTHON_TEXT_HPP
-#define ZM_PYTHON_TEXT_HPP
+#ifndef ZM_PYTHON_PYTHON_TEXT_HPP
+#define ZM_PYTHON_PYTHON_TEXT_HPP
 
 #include <pybind11/pybind11.h>
 
