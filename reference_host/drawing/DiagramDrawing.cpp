@@ -1,8 +1,9 @@
 #include "reference_host/drawing/DiagramDrawing.hpp"
 
 #include "host/Text.hpp"
-#include "reference_host/drawing/DrawingPlan.hpp"
 #include "reference_host/observers/ObservedPorts.hpp"
+
+#include <boost/algorithm/string/replace.hpp>
 
 #include <algorithm>
 #include <set>
@@ -14,42 +15,44 @@ namespace reference_host {
 
 namespace {
 
+// The fonts cover Latin, Greek, Cyrillic and CJK names; a viewer of an .svg takes the first that it has.
+// Blocks that are not connected are packed into an array.
 constexpr const char* head =
-    "  graph [rankdir=LR, nodesep=0.22, ranksep=0.5, fontname=\"Helvetica\", fontsize=12, labelloc=t,\n"
-    "         labeljust=l, bgcolor=white];\n"
-    "  node [shape=plain, fontname=\"Helvetica\", fontsize=10];\n"
+    "  graph [rankdir=LR, nodesep=0.22, ranksep=0.5, fontsize=12, labelloc=t, labeljust=l, bgcolor=white,\n"
+    "         pack=18, packmode=array, fontname=\"DejaVu Sans,Droid Sans Fallback,Noto Sans,sans-serif\"];\n"
+    "  node [shape=plain, fontsize=10, fontname=\"DejaVu Sans,Droid Sans Fallback,Noto Sans,sans-serif\"];\n"
     "  edge [color=\"#5b6770\", arrowsize=0.6];\n";
 
 constexpr const char* plainColor = "#ffffff";
 constexpr const char* observedColor = "#cdebc5";
 constexpr const char* boundColor = "#bfdcf5";
 
-std::string escaped(const std::u16string& text)
+/// For Graphviz's HTML-like labels, which cannot contain control characters.
+std::string escaped(const std::u16string& name)
 {
-    std::string safe;
-    for (const char c : toUtf8(text)) {
-        switch (c) {
-            case '&':
-                safe += "&amp;";
-                break;
-            case '<':
-                safe += "&lt;";
-                break;
-            case '>':
-                safe += "&gt;";
-                break;
-            case '"':
-                safe += "&quot;";
-                break;
-            default:
-                // Control characters are not allowed in the drawing's language.
-                safe += static_cast<unsigned char>(c) < 0x20 ? ' ' : c;
-        }
-    }
-    return safe;
+    std::string text = toUtf8(name);
+    std::replace_if(
+        text.begin(), text.end(), [](unsigned char c) { return c < 0x20 || c == 0x7F; }, ' ');
+    boost::replace_all(text, "&", "&amp;");
+    boost::replace_all(text, "<", "&lt;");
+    boost::replace_all(text, ">", "&gt;");
+    boost::replace_all(text, "\"", "&quot;");
+    return text;
 }
 
-/// What is observed on one block.
+/// A name in quotes, without the characters that Graphviz interprets: look-alikes replace them.
+std::string quoted(const std::u16string& name)
+{
+    std::string text = toUtf8(name);
+    std::replace_if(
+        text.begin(), text.end(), [](unsigned char c) { return c < 0x20 || c == 0x7F; }, ' ');
+    boost::replace_all(text, "\"", "\u201D");
+    boost::replace_all(text, "\\", "\u2216");
+    boost::replace_all(text, ":", "\u2236");
+    return '"' + text + '"';
+}
+
+/// The signals on one block.
 struct Badges {
     std::set<std::size_t> observed;  // numbers of output ports
     std::set<std::size_t> bound;
@@ -58,7 +61,7 @@ struct Badges {
 
 class Drawing {
 public:
-    explicit Drawing(const Model& model) : m_model(model), m_plan(model.root())
+    explicit Drawing(const Model& model) : m_model(model)
     {
         for (const ObservedPort& port : observedPorts(model)) {
             if (port.place.isThere) {
@@ -69,14 +72,11 @@ public:
 
     std::string draw()
     {
-        m_out << "digraph {\n" << head;
+        m_out << "digraph " << quoted(m_model.name()) << " {\n" << head;
         m_out << "  label=<<table border=\"0\" cellspacing=\"6\"><tr><td><b>" << escaped(m_model.name())
               << "</b></td><td bgcolor=\"" << observedColor << "\">observed &#9679;</td><td bgcolor=\""
               << boundColor << "\">bound to a client &#9673;</td></tr></table>>;\n";
         drawContents(m_model.root());
-        for (const Block* system : m_systems) {
-            drawConnections(*system);
-        }
         m_out << "}\n";
         return m_out.str();
     }
@@ -100,34 +100,26 @@ private:
         return found == m_badges.end() ? none : found->second;
     }
 
-    static std::string nodeOf(const Block& block) { return "b" + std::to_string(block.number()); }
-
-    /// The node at which connections to a block's inputs, or its outputs, end; for a system the strip of
-    /// them.
-    static std::string nodeOf(const Block& block, PortKind kind)
+    /// The node for connections to a block's inputs, or from its outputs: of a system, its strip of them.
+    std::string nodeOf(const Block& block, PortKind kind) const
     {
-        const char* strip = kind == PortKind::Input ? "i" : "o";
-        return block.kind() == BlockKind::Component ? nodeOf(block) : nodeOf(block) + strip;
+        std::u16string path = block.path();
+        if (block.parent() != nullptr) {
+            path.erase(0, m_model.name().size() + 1);
+        }
+        const bool isSystem = block.kind() == BlockKind::System;
+        return quoted(path + (!isSystem ? u"" : kind == PortKind::Input ? u"/ inputs" : u"/ outputs"));
     }
 
     void drawContents(const Block& system)
     {
-        m_systems.push_back(&system);
         drawStrip(system, PortKind::Input);
         drawStrip(system, PortKind::Output);
-        const std::vector<DrawingPlan::Band>& bands = m_plan.bandsOf(system);
-        for (std::size_t i = 0; i < bands.size(); ++i) {
-            if (bands.size() > 1) {
-                m_out << "  subgraph cluster_" << nodeOf(system) << '_' << i
-                      << " {\n  label=\"\"; style=invis; margin=4;\n";
-            }
-            for (const DrawingPlan::Column& column : bands[i]) {
-                std::for_each(column.begin(), column.end(),
-                              [this](const Block* block) { drawBlock(*block); });
-            }
-            m_out << (bands.size() > 1 ? "  }\n" : "");
+        for (const auto& child : system.children()) {
+            drawBlock(*child);
         }
-        keepPlaces(system);
+        drawConnections(system);
+        keepBetweenStrips(system);
     }
 
     void drawBlock(const Block& block)
@@ -136,29 +128,30 @@ private:
             drawComponent(block);
             return;
         }
-        m_out << "  subgraph cluster_" << nodeOf(block) << " {\n  label=<" << escaped(block.name())
-              << chartMark(block)
+        m_out << "  subgraph " << quoted(u"cluster " + block.path()) << " {\n  label=<"
+              << escaped(block.name()) << chartMark(block)
               << ">; style=\"rounded,filled\"; color=\"#8796a5\"; fillcolor=\"#0000000a\"; margin=10;\n";
         drawContents(block);
         m_out << "  }\n";
     }
 
-    std::string outputCell(const Block& block, std::size_t i) const
+    /// One row of a table of ports; an empty cell where there is no port.
+    std::string cell(const Block& block, PortKind kind, std::size_t i) const
     {
-        const Badges& badges = badgesOf(block);
-        const bool isBound = badges.bound.contains(i + 1);
-        const bool isObserved = badges.observed.contains(i + 1);
-        std::string cell = "<td port=\"o" + std::to_string(i) + "\" align=\"right\" bgcolor=\"";
-        cell += isBound ? boundColor : isObserved ? observedColor : plainColor;
-        cell += "\">" + escaped(block.ports(PortKind::Output)[i].name);
-        cell += isBound ? " &#9673;" : isObserved ? " &#9679;" : "";
-        return cell + "</td>";
-    }
-
-    static std::string inputCell(const Block& block, std::size_t i)
-    {
-        return "<td port=\"i" + std::to_string(i) + "\" align=\"left\">" +
-               escaped(block.ports(PortKind::Input)[i].name) + "</td>";
+        const std::vector<Port>& ports = block.ports(kind);
+        if (i >= ports.size()) {
+            return "<td></td>";
+        }
+        const std::string name = escaped(ports[i].name);
+        const std::string port = "<td port=" + portOf(ports[i].name) + " align=";
+        if (kind == PortKind::Input) {
+            return port + "\"left\">" + name + "</td>";
+        }
+        const bool isBound = badgesOf(block).bound.contains(i + 1);
+        const bool isObserved = badgesOf(block).observed.contains(i + 1);
+        const char* color = isBound ? boundColor : isObserved ? observedColor : plainColor;
+        const char* mark = isBound ? " &#9673;" : isObserved ? " &#9679;" : "";
+        return port + "\"right\" bgcolor=\"" + color + "\">" + name + mark + "</td>";
     }
 
     std::string chartMark(const Block& block) const
@@ -175,22 +168,21 @@ private:
         const std::size_t inputs = block.ports(PortKind::Input).size();
         const std::size_t outputs = block.ports(PortKind::Output).size();
         const std::size_t rows = std::max({inputs, outputs, std::size_t{1}});
-        m_out << "  " << nodeOf(block)
+        m_out << "  " << nodeOf(block, PortKind::Output)
               << " [label=<<table border=\"1\" cellborder=\"0\" cellspacing=\"0\" color=\"#33414e\" "
                  "bgcolor=\"white\">";
         for (std::size_t i = 0; i < rows; ++i) {
-            m_out << "<tr>" << (i < inputs ? inputCell(block, i) : "<td></td>");
+            m_out << "<tr>" << cell(block, PortKind::Input, i);
             if (i == 0) {
                 m_out << "<td rowspan=\"" << rows << "\" cellpadding=\"6\"><b>" << escaped(block.name())
                       << "</b>" << chartMark(block) << "</td>";
             }
-            m_out << (i < outputs ? outputCell(block, i) : "<td></td>") << "</tr>";
+            m_out << cell(block, PortKind::Output, i) << "</tr>";
         }
         m_out << "</table>>];\n";
     }
 
-    /// A system's own inputs stand in a strip left of all that it holds, its outputs in one on the right. A
-    /// strip without ports is there, but not seen; the model itself needs none.
+    /// A strip without ports is an invisible point, so that it still keeps its side. The model needs none.
     static bool hasStrip(const Block& system, PortKind kind)
     {
         return system.parent() != nullptr || !system.ports(kind).empty();
@@ -209,97 +201,25 @@ private:
               << " [label=<<table border=\"1\" cellborder=\"0\" cellspacing=\"0\" style=\"rounded\" "
                  "color=\"#8796a5\" bgcolor=\"white\">";
         for (std::size_t i = 0; i < count; ++i) {
-            m_out << "<tr>" << (kind == PortKind::Input ? inputCell(system, i) : outputCell(system, i))
-                  << "</tr>";
+            m_out << "<tr>" << cell(system, kind, i) << "</tr>";
         }
         m_out << "</table>>];\n";
     }
 
-    // ---- what stands where ----
-
-    void putLeft(const std::string& left, const std::string& right)
-    {
-        m_out << "  " << left << " -> " << right << " [style=invis];\n";
-    }
-
-    /// Has blocks stand in their columns, between the strips, where connections alone would not.
-    void keepPlaces(const Block& system)
-    {
-        std::unordered_set<const Block*> hasLeft;
-        std::unordered_set<const Block*> hasRight;
-        for (const Connection& connection : system.connections()) {
-            if (isBetweenBlocks(system, connection) && isForward(system, connection)) {
-                hasRight.insert(connection.start.element);
-                hasLeft.insert(connection.end.element);
-            }
-        }
-        const std::string inputs = nodeOf(system, PortKind::Input);
-        const std::string outputs = nodeOf(system, PortKind::Output);
-        const bool hasInputs = hasStrip(system, PortKind::Input);
-        const bool hasOutputs = hasStrip(system, PortKind::Output);
-        for (const DrawingPlan::Band& band : m_plan.bandsOf(system)) {
-            keepColumns(band, hasLeft);
-            for (const Block* first : band.front()) {
-                if (hasInputs) {
-                    putLeft(inputs, nodeOf(*first, PortKind::Input));
-                }
-            }
-            for (const DrawingPlan::Column& column : band) {
-                for (const Block* block : column) {
-                    if (hasOutputs && !hasRight.contains(block)) {
-                        putLeft(nodeOf(*block, PortKind::Output), outputs);
-                    }
-                }
-            }
-        }
-        if (system.children().empty() && hasInputs && hasOutputs) {
-            putLeft(inputs, outputs);
-        }
-    }
-
-    void keepColumns(const DrawingPlan::Band& band, const std::unordered_set<const Block*>& hasLeft)
-    {
-        for (std::size_t i = 1; i < band.size(); ++i) {
-            for (std::size_t row = 0; row < band[i].size(); ++row) {
-                const Block& block = *band[i][row];
-                const Block& left = *band[i - 1][row % band[i - 1].size()];
-                if (!hasLeft.contains(&block)) {
-                    putLeft(nodeOf(left, PortKind::Output), nodeOf(block, PortKind::Input));
-                }
-            }
-        }
-    }
-
-    static bool isBetweenBlocks(const Block& system, const Connection& connection)
-    {
-        const auto isBlock = [&system](const ConnectionEnd& end) {
-            return end.element != nullptr && end.element != &system;
-        };
-        return isBlock(connection.start) && isBlock(connection.end);
-    }
-
-    /// Whether a connection leads to the right; if not, it has no say in where blocks stand.
-    bool isForward(const Block& system, const Connection& connection) const
-    {
-        return !isBetweenBlocks(system, connection) ||
-               m_plan.isForward(*connection.start.element, *connection.end.element);
-    }
-
     // ---- connections ----
 
-    /// Where a connection ends; empty where the connector is not drawn.
-    static std::string endOf(const ConnectionEnd& end)
+    static std::string portOf(const std::u16string& connector) { return quoted(connector); }
+
+    /// Where a connection ends; empty if the connector is not drawn.
+    std::string endOf(const ConnectionEnd& end) const
     {
         if (end.element == nullptr) {
             return {};
         }
         for (const PortKind kind : {PortKind::Output, PortKind::Input}) {
             const std::vector<Port>& ports = end.element->ports(kind);
-            const auto found = std::find_if(ports.begin(), ports.end(),
-                                            [&end](const Port& port) { return port.name == end.connector; });
-            if (found != ports.end()) {
-                return nodeOf(*end.element, kind) + (kind == PortKind::Input ? ":i" : ":o") +
-                       std::to_string(found - ports.begin());
+            if (std::ranges::find(ports, end.connector, &Port::name) != ports.end()) {
+                return nodeOf(*end.element, kind) + ":" + portOf(end.connector);
             }
         }
         return {};
@@ -311,16 +231,42 @@ private:
             const std::string start = endOf(connection.start);
             const std::string end = endOf(connection.end);
             if (!start.empty() && !end.empty()) {
-                m_out << "  " << start << ":e -> " << end << ":w"
-                      << (isForward(system, connection) ? "" : " [constraint=false]") << ";\n";
+                m_out << "  " << start << " -> " << end << ";\n";
             }
         }
     }
 
+    void putLeft(const std::string& left, const std::string& right)
+    {
+        m_out << "  " << left << " -> " << right << " [style=invis];\n";
+    }
+
+    /// Keeps blocks between the strips of their system where connections alone would not.
+    void keepBetweenStrips(const Block& system)
+    {
+        std::unordered_set<const Block*> hasLeft;
+        std::unordered_set<const Block*> hasRight;
+        for (const Connection& connection : system.connections()) {
+            hasRight.insert(connection.start.element);
+            hasLeft.insert(connection.end.element);
+        }
+        const bool hasInputs = hasStrip(system, PortKind::Input);
+        const bool hasOutputs = hasStrip(system, PortKind::Output);
+        for (const auto& child : system.children()) {
+            if (hasInputs && !hasLeft.contains(child.get())) {
+                putLeft(nodeOf(system, PortKind::Input), nodeOf(*child, PortKind::Input));
+            }
+            if (hasOutputs && !hasRight.contains(child.get())) {
+                putLeft(nodeOf(*child, PortKind::Output), nodeOf(system, PortKind::Output));
+            }
+        }
+        if (system.children().empty() && hasInputs && hasOutputs) {
+            putLeft(nodeOf(system, PortKind::Input), nodeOf(system, PortKind::Output));
+        }
+    }
+
     const Model& m_model;
-    DrawingPlan m_plan;
     std::unordered_map<const Block*, Badges> m_badges;
-    std::vector<const Block*> m_systems;
     std::ostringstream m_out;
 };
 

@@ -4,21 +4,18 @@
 #include "reference_host/Export.hpp"
 #include "reference_host/model/Model.hpp"
 
-#include <filesystem>
 #include <string>
 
 namespace reference_host {
 
-/// A model as a drawing in Graphviz's language: components with their inputs on the left and their outputs
-/// on the right, systems as boxes around what they hold, with a strip for their own inputs and outputs, and
-/// connections. An observed output is green and has a dot; where a streaming client is bound to it, it is
-/// blue and has an eye. An observed chart is marked under its block's name.
+/// A model as a graph for Graphviz's program "dot", UTF-8. Components have their inputs on the left and their
+/// outputs on the right; systems are boxes around their blocks, with a strip for their own inputs and one for
+/// their outputs. An observed output is green with a dot; with a streaming client it is blue with an eye. An
+/// observed chart is marked under its block's name.
+///
+/// Nodes are named by the path of their block and ports by their connector, because viewers show these names
+/// when the pointer rests on a block or a connection.
 ZM_REFHOST_API std::string diagramAsDot(const Model& model);
-
-/// Draws a model into a file, in the format that the file's extension names (".svg", ".png", ".pdf" …), by
-/// Graphviz's program "dot". Where the program is missing or fails, nothing is drawn and a host error says
-/// so ("DrawingFailed": file, reason), in the program's own words where it has any.
-ZM_REFHOST_API void drawDiagram(const Model& model, const std::filesystem::path& file);
 
 }  // namespace reference_host
 

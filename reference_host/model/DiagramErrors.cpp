@@ -1,7 +1,6 @@
 #include "reference_host/model/DiagramErrors.hpp"
 
 #include "host/Text.hpp"
-#include "reference_host/support/ErrorCatalog.hpp"
 
 #include <array>
 #include <utility>
@@ -55,7 +54,7 @@ constexpr std::array messages{
 
 }  // namespace
 
-zmsvException diagramError(const char* key, std::vector<zmsvMessageArgument> arguments)
+zmsvException diagramError(const char* key, MessageArguments arguments)
 {
     static const ErrorCatalog catalog(diagramCatalog, messages);
     return catalog.error(key, std::move(arguments));

@@ -1,10 +1,10 @@
 #ifndef ZM_REFERENCE_HOST_MODEL_DIAGRAM_ERRORS_HPP
 #define ZM_REFERENCE_HOST_MODEL_DIAGRAM_ERRORS_HPP
 
-#include "host/Exceptions.hpp"
+#include "reference_host/Export.hpp"
+#include "reference_host/support/ErrorCatalog.hpp"
 
 #include <string>
-#include <vector>
 
 namespace reference_host {
 
@@ -12,7 +12,7 @@ namespace reference_host {
 inline constexpr const char* diagramCatalog = "reference_host:diagram";
 
 /// A message of the diagram's catalog and its text; throw it, or report it as a warning.
-zmsvException diagramError(const char* key, std::vector<zmsvMessageArgument> arguments);
+ZM_REFHOST_API zmsvException diagramError(const char* key, MessageArguments arguments);
 
 /// A path for a message, UTF-8. Of one that is too long for a line, the end, which tells most: a file can
 /// make paths of any length.
