@@ -1,7 +1,7 @@
 #include "reference_host/classes/BuiltInClasses.hpp"
 
 #include "reference_host/classes/ClassErrors.hpp"
-#include "reference_host/classes/ClassRegistry.hpp"
+#include "reference_host/classes/ClassSystem.hpp"
 #include "reference_host/classes/InterfaceManager.hpp"
 #include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/classes/RecordClass.hpp"
@@ -21,7 +21,7 @@ namespace {
 [[maybe_unused]] const bool isRegistered = [] {
     for (const auto& makeInfo : {makeSignalSpecificationClass, makeSignalClientClass, makeModelObserversClass,
                                  makeInterfaceManagerClass}) {
-        ClassRegistry::instance().addBuiltIn("Zelmar.HMI", makeInfo);
+        ClassSystem::addBuiltIn("Zelmar.HMI", makeInfo);
     }
     return true;
 }();

@@ -1,6 +1,6 @@
 #include "reference_host/classes/ClassReflection.hpp"
 
-#include "reference_host/classes/ClassRegistry.hpp"
+#include "reference_host/classes/ClassSystem.hpp"
 #include "reference_host/classes/Types.hpp"
 
 #include <span>
@@ -79,7 +79,7 @@ PropertyDescription describe(const RegisteredClass& cosClass, const RegisteredCl
 
 ClassDescription describeClass(const std::string& className)
 {
-    RegisteredClass& cosClass = ClassRegistry::instance().classNamed(className);
+    RegisteredClass& cosClass = ClassSystem::classNamed(className);
     ClassDescription description{cosClass.fullName(), cosClass.simpleName(), std::nullopt, {}, {}};
     for (const RegisteredClass::Method& method : cosClass.methods()) {
         if (cosClass.isConstructor(method)) {
@@ -96,14 +96,14 @@ ClassDescription describeClass(const std::string& className)
 
 std::optional<PropertyDescription> describeProperty(const std::string& className, const std::string& property)
 {
-    RegisteredClass& cosClass = ClassRegistry::instance().classNamed(className);
+    RegisteredClass& cosClass = ClassSystem::classNamed(className);
     const RegisteredClass::Property* found = cosClass.findProperty(property);
     return found != nullptr ? std::optional(describe(cosClass, *found)) : std::nullopt;
 }
 
 std::optional<MethodDescription> describeMethod(const std::string& className, const std::string& method)
 {
-    RegisteredClass& cosClass = ClassRegistry::instance().classNamed(className);
+    RegisteredClass& cosClass = ClassSystem::classNamed(className);
     const RegisteredClass::Method* found = cosClass.findMethod(method);
     return found != nullptr ? std::optional(describe(cosClass, *found)) : std::nullopt;
 }

@@ -11,14 +11,17 @@
 
 namespace reference_host {
 
-/// The tree of namespaces and classes, seen from the host's own side: what there is, what host code
-/// puts into it, and how it is emptied. Libraries see the same tree through `nvcos::COSNamespace`.
+class Namespace;
+class RegisteredClass;
+
+/// The tree of namespaces and classes of the process, for host code: it lists the tree, adds to it and
+/// empties it. Libraries use the same tree through `nvcos::COSNamespace`.
 ///
-/// A namespace is defined when its contents are first needed: a class, a type or an inner namespace is
-/// looked up in it, it is enumerated, or something is added to it from outside. Defining it adds the
-/// classes that host code contributed and then calls the info's `defineContents`, once. When that
-/// throws, what it added is taken out again (but for a class that has instances by then), the
-/// exception reaches whoever needed the contents, and the next need tries again.
+/// A namespace is defined when its contents are first needed: when a class, a type or an inner namespace is
+/// looked up in it, when it is enumerated, or when something is added to it from outside. Defining it adds
+/// the classes that host code contributed and then calls the info's `defineContents`, once. If that throws,
+/// its additions are removed again (except classes that have instances by then), the exception reaches the
+/// code that needed the contents, and the next use tries again.
 ///
 /// Names are full names, "Zelmar.HMI" or "Zelmar.HMI.SignalSpecification", unless said otherwise.
 /// Main thread only.
@@ -43,8 +46,8 @@ public:
     /// Creates an empty namespace of the host's own, and the ones around it, where they do not exist.
     static void createNamespace(const std::string& namespaceName);
 
-    /// Has a class of host code stand in a namespace, whoever creates that and whenever: it is added
-    /// when the namespace is defined, at once when that has happened. Never creates the namespace.
+    /// Adds a class of host code to a namespace when that is defined, or at once if it is defined already.
+    /// Never creates the namespace.
     static void contributeClass(const std::string& namespaceName, ClassInfoFactory makeInfo);
 
     /// Creates the namespaces of all contributed classes. For a host that wants them without a library;
@@ -55,6 +58,21 @@ public:
     /// descriptor, so a library that registered some can be unloaded afterwards and not before. A host
     /// error that names them while instances live.
     static void reset();
+
+    // ---- for the sources of classes/ ----
+
+    /// As `contributeClass`, for a class that `reset` keeps. Always true; for the initialiser of a constant.
+    static bool addBuiltIn(const std::string& namespaceName, ClassInfoFactory makeInfo);
+
+    /// The namespace or class, or null. Define the enclosing namespaces.
+    static Namespace* findNamespace(const std::string& fullName);
+    static RegisteredClass* findClass(const std::string& fullName);
+
+    /// The class; a host error if there is none.
+    static RegisteredClass& classNamed(const std::string& fullName);
+
+    /// The type of that name, built-in or of a registered class; a host error if there is none.
+    static const nvcos::COSType* typeNamed(const std::string& name);
 };
 
 }  // namespace reference_host

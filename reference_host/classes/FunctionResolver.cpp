@@ -2,7 +2,8 @@
 
 #include "reference_host/calls/HostFunctions.hpp"
 #include "reference_host/classes/ClassErrors.hpp"
-#include "reference_host/classes/ClassRegistry.hpp"
+#include "reference_host/classes/ClassSystem.hpp"
+#include "reference_host/classes/Namespace.hpp"
 #include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/classes/Types.hpp"
 
@@ -37,12 +38,11 @@ void callStaticAsFunction(HostFunctionCall& call)
 
 HostFunction findLoaded(const std::string& name)
 {
-    ClassRegistry& registry = ClassRegistry::instance();
-    if (registry.findClass(name) != nullptr) {
+    if (ClassSystem::findClass(name) != nullptr) {
         return constructAsFunction;
     }
     const SplitName split(name);
-    RegisteredClass* cosClass = registry.findClass(split.parent);
+    RegisteredClass* cosClass = ClassSystem::findClass(split.parent);
     if (cosClass != nullptr && cosClass->findMethod(split.simple) != nullptr) {
         return callStaticAsFunction;
     }
@@ -56,7 +56,7 @@ HostFunction resolve(const std::string& name)
         return {};
     }
     HostFunction function = findLoaded(name);
-    Namespace* home = function ? nullptr : ClassRegistry::instance().findNamespace(split.parent);
+    Namespace* home = function ? nullptr : ClassSystem::findNamespace(split.parent);
     if (home != nullptr && home->info() != nullptr &&
         home->info()->attemptToLoadFunction(home, intern(split.simple.c_str()))) {
         function = findLoaded(name);

@@ -2,7 +2,7 @@
 
 #include "host/Containers.hpp"
 #include "reference_host/classes/ClassErrors.hpp"
-#include "reference_host/classes/ClassRegistry.hpp"
+#include "reference_host/classes/ClassSystem.hpp"
 #include "reference_host/classes/Instance.hpp"
 #include "reference_host/classes/LibraryCall.hpp"
 #include "reference_host/classes/MethodCall.hpp"
@@ -44,7 +44,7 @@ const RegisteredClass::Method& callableMethod(RegisteredClass& cosClass, const s
 
 OwnedValue ObjectAccess::construct(const std::string& className, const Arguments& arguments)
 {
-    RegisteredClass& cosClass = ClassRegistry::instance().classNamed(className);
+    RegisteredClass& cosClass = ClassSystem::classNamed(className);
     const RegisteredClass::Method* constructor = cosClass.constructor();
     if (constructor == nullptr && !arguments.empty()) {
         throwClassError("TooManyArguments:none", {className, cosClass.simpleName(), 1U});
@@ -69,7 +69,7 @@ ObjectAccess::Results ObjectAccess::callMethod(const nvArray* object, const std:
 ObjectAccess::Results ObjectAccess::callStatic(const std::string& className, const std::string& method,
                                                const Arguments& arguments, int outputCount)
 {
-    RegisteredClass& cosClass = ClassRegistry::instance().classNamed(className);
+    RegisteredClass& cosClass = ClassSystem::classNamed(className);
     const RegisteredClass::Method& found = callableMethod(cosClass, method);
     if (cosClass.isInstanceMethod(found)) {
         throwClassError("NoObject:static", {className, method});
@@ -80,7 +80,7 @@ ObjectAccess::Results ObjectAccess::callStatic(const std::string& className, con
 OwnedValue ObjectAccess::makeObjectArray(const std::string& className,
                                          const std::vector<nvcos::COSInterfacePtr>& instances)
 {
-    RegisteredClass& cosClass = ClassRegistry::instance().classNamed(className);
+    RegisteredClass& cosClass = ClassSystem::classNamed(className);
     for (const nvcos::COSInterfacePtr& instance : instances) {
         const RegisteredClass* other = instance ? &Instance::of(*instance.get()).cosClass() : nullptr;
         if (other != &cosClass) {

@@ -1,7 +1,7 @@
 #include "reference_host/classes/RecordClass.hpp"
 
 #include "reference_host/classes/ClassErrors.hpp"
-#include "reference_host/classes/ClassRegistry.hpp"
+#include "reference_host/classes/ClassSystem.hpp"
 #include "reference_host/classes/Instance.hpp"
 #include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/classes/RegisteredClass.hpp"
@@ -48,7 +48,7 @@ std::string fullName(const COSInterface* instance)
 class RecordPropInfo : public nvcos::COSPropInfo {
 public:
     RecordPropInfo(Properties all, const RecordProperty& property)
-        : m_all(std::move(all)), m_property(property), m_type(typeNamed(property.type))
+        : m_all(std::move(all)), m_property(property), m_type(ClassSystem::typeNamed(property.type))
     {
     }
 
@@ -170,7 +170,7 @@ public:
         for (std::size_t i = 0; i < m_method.inputCount; ++i) {
             m_signature.appendInput(findBuiltInType("any"));
         }
-        m_signature.appendOutput(typeNamed(m_method.outputType));
+        m_signature.appendOutput(ClassSystem::typeNamed(m_method.outputType));
     }
 
     const nvcos::COSMethodSignature* getSignature() const noexcept override { return &m_signature; }

@@ -24,13 +24,6 @@ ZM_REFHOST_API Block* alignedBlock(const std::string& zid, const std::u16string&
 /// `alignedBlockPath` of its "ZID_" and "BlockPath_".
 void getAlignedBlockPath(HostFunctionCall& call);
 
-/// The host function "getAlignedObservers": takes one "Zelmar.HMI.StreamingClients" and returns its clients
-/// as new objects, in order, with current paths and ZIDs. Each part of a client's path is followed like the
-/// path of a signal (`alignedBlockPath`). A part that leads to no block stays as it is: removing is the task
-/// of `validateAndRemoveUnused`. The collection does not change. A collection whose model is not open is a
-/// host error ("ModelNotOpen").
-void getAlignedObservers(HostFunctionCall& call);
-
 }  // namespace reference_host
 
 #endif

@@ -6,9 +6,8 @@
 #include "reference_host/classes/ValueEquality.hpp"
 #include "reference_host/model/EditorEvents.hpp"
 #include "reference_host/observers/AlignedPaths.hpp"
+#include "reference_host/observers/ClientFunctions.hpp"
 #include "reference_host/observers/ObservedPorts.hpp"
-#include "reference_host/observers/ObserverValidation.hpp"
-#include "reference_host/observers/SignalInfo.hpp"
 #include "reference_host/observers/SignalRebinding.hpp"
 
 namespace reference_host {

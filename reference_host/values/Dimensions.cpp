@@ -1,82 +1,34 @@
 #include "reference_host/values/Dimensions.hpp"
 
 #include <algorithm>
+#include <array>
 #include <new>
 
 namespace reference_host {
 
-namespace {
+Dimensions::Dimensions(std::size_t rows, std::size_t columns) : Dimensions(std::array{rows, columns}) {}
 
-std::size_t product(const std::vector<std::size_t>& sizes)
+Dimensions::Dimensions(std::span<const std::size_t> sizes) : m_sizes(sizes.begin(), sizes.end())
 {
-    if (std::find(sizes.begin(), sizes.end(), std::size_t{0}) != sizes.end()) {
-        return 0;
+    m_sizes.resize(std::max(m_sizes.size(), std::size_t{2}), 1);
+    while (m_sizes.size() > 2 && m_sizes.back() == 1) {
+        m_sizes.pop_back();
     }
-    std::size_t result = 1;
-    for (const std::size_t size : sizes) {
-        if (__builtin_mul_overflow(result, size, &result)) {
+    if (std::ranges::find(m_sizes, std::size_t{0}) != m_sizes.end()) {
+        return;
+    }
+    m_elementCount = 1;
+    for (const std::size_t size : m_sizes) {
+        if (__builtin_mul_overflow(m_elementCount, size, &m_elementCount)) {
             throw std::bad_array_new_length();
         }
     }
-    return result;
-}
-
-std::size_t product(std::size_t rows, std::size_t columns)
-{
-    std::size_t result = 0;
-    if (__builtin_mul_overflow(rows, columns, &result)) {
-        throw std::bad_array_new_length();
-    }
-    return result;
-}
-
-std::unique_ptr<std::vector<std::size_t>> pastTheSecond(std::span<const std::size_t> sizes)
-{
-    while (sizes.size() > 2 && sizes.back() == 1) {
-        sizes = sizes.first(sizes.size() - 1);
-    }
-    if (sizes.size() <= 2) {
-        return nullptr;
-    }
-    return std::make_unique<std::vector<std::size_t>>(sizes.begin() + 2, sizes.end());
-}
-
-}  // namespace
-
-Dimensions::Dimensions(std::size_t rows, std::size_t columns)
-    : m_rows(rows), m_columns(columns), m_elementCount(product(rows, columns))
-{
-}
-
-Dimensions::Dimensions(std::span<const std::size_t> sizes)
-    : m_rows(!sizes.empty() ? sizes[0] : 1),
-      m_columns(sizes.size() > 1 ? sizes[1] : 1),
-      m_more(pastTheSecond(sizes)),
-      m_elementCount(product(list()))
-{
-}
-
-Dimensions::Dimensions(const Dimensions& other)
-    : m_rows(other.m_rows),
-      m_columns(other.m_columns),
-      m_more(other.m_more ? std::make_unique<std::vector<std::size_t>>(*other.m_more) : nullptr),
-      m_elementCount(other.m_elementCount)
-{
-}
-
-std::vector<std::size_t> Dimensions::list() const
-{
-    std::vector<std::size_t> sizes{m_rows, m_columns};
-    if (m_more) {
-        sizes.insert(sizes.end(), m_more->begin(), m_more->end());
-    }
-    return sizes;
 }
 
 std::string Dimensions::text() const
 {
     std::string result;
-    for (const std::size_t size : list()) {
+    for (const std::size_t size : m_sizes) {
         result += (result.empty() ? "" : "x") + std::to_string(size);
     }
     return result;

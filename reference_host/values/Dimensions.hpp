@@ -3,32 +3,26 @@
 
 #include "reference_host/Export.hpp"
 
+#include <boost/container/small_vector.hpp>
+
 #include <cstddef>
-#include <memory>
 #include <span>
 #include <string>
 #include <vector>
 
 namespace reference_host {
 
-/// The sizes of a value, at least two of them. Sizes of 1 past the second are dropped; a single size N
-/// stands for N-by-1, and none for 1-by-1. A product that no memory can hold is `std::bad_alloc`.
+/// The sizes of a value, at least two. Sizes of 1 after the second are dropped; a single size N means N-by-1,
+/// and none means 1-by-1. `std::bad_alloc` if no memory can hold so many elements.
 class ZM_REFHOST_API Dimensions {
 public:
     Dimensions(std::size_t rows, std::size_t columns);
-
     explicit Dimensions(std::span<const std::size_t> sizes);
 
-    Dimensions(const Dimensions& other);
-    Dimensions(Dimensions&&) noexcept = default;
-    Dimensions& operator=(const Dimensions&) = delete;
-    Dimensions& operator=(Dimensions&&) = delete;
-    ~Dimensions() = default;
+    std::size_t count() const noexcept { return m_sizes.size(); }
 
-    std::size_t count() const noexcept { return m_more ? 2 + m_more->size() : 2; }
-
-    /// All of them, `count()` sizes.
-    std::vector<std::size_t> list() const;
+    /// All sizes, `count()` of them.
+    std::vector<std::size_t> list() const { return {m_sizes.begin(), m_sizes.end()}; }
 
     /// The product of all sizes.
     std::size_t elementCount() const noexcept { return m_elementCount; }
@@ -37,10 +31,8 @@ public:
     std::string text() const;
 
 private:
-    std::size_t m_rows;
-    std::size_t m_columns;
-    std::unique_ptr<std::vector<std::size_t>> m_more;  // those past the second, null when there are none
-    std::size_t m_elementCount;
+    boost::container::small_vector<std::size_t, 2> m_sizes;
+    std::size_t m_elementCount = 0;
 };
 
 }  // namespace reference_host

@@ -4,6 +4,9 @@
 #include "host/Array.hpp"
 #include "reference_host/support/MemoryLimit.hpp"
 
+#include <boost/mp11/algorithm.hpp>
+#include <boost/mp11/list.hpp>
+
 #include <cmath>
 #include <concepts>
 #include <cstddef>
@@ -57,34 +60,20 @@ Integer toInteger(double number) noexcept
     return static_cast<Integer>(number);
 }
 
+/// The C++ types behind the numeric classes and logical, in the order of `ValueClass`.
+using NumericTypes =
+    boost::mp11::mp_list<double, float, std::int8_t, std::uint8_t, std::int16_t, std::uint16_t, std::int32_t,
+                         std::uint32_t, std::int64_t, std::uint64_t, bool>;
+
 /// Calls `visitor` with a `std::type_identity` of the C++ type behind a numeric class or logical.
 template <class Visitor>
 decltype(auto) withNumericType(ValueClass valueClass, Visitor&& visitor)
 {
-    switch (valueClass) {
-        case ValueClass::Single:
-            return visitor(std::type_identity<float>{});
-        case ValueClass::Int8:
-            return visitor(std::type_identity<std::int8_t>{});
-        case ValueClass::UInt8:
-            return visitor(std::type_identity<std::uint8_t>{});
-        case ValueClass::Int16:
-            return visitor(std::type_identity<std::int16_t>{});
-        case ValueClass::UInt16:
-            return visitor(std::type_identity<std::uint16_t>{});
-        case ValueClass::Int32:
-            return visitor(std::type_identity<std::int32_t>{});
-        case ValueClass::UInt32:
-            return visitor(std::type_identity<std::uint32_t>{});
-        case ValueClass::Int64:
-            return visitor(std::type_identity<std::int64_t>{});
-        case ValueClass::UInt64:
-            return visitor(std::type_identity<std::uint64_t>{});
-        case ValueClass::Logical:
-            return visitor(std::type_identity<bool>{});
-        default:
-            return visitor(std::type_identity<double>{});
-    }
+    const auto index = static_cast<std::size_t>(valueClass) - static_cast<std::size_t>(ValueClass::Double);
+    return boost::mp11::mp_with_index<boost::mp11::mp_size<NumericTypes>>(
+        index, [&](auto i) -> decltype(auto) {
+            return visitor(std::type_identity<boost::mp11::mp_at<NumericTypes, decltype(i)>>{});
+        });
 }
 
 /// The size of `count` elements of a numeric or logical class. `std::bad_alloc` if no block can hold it.

@@ -7,6 +7,7 @@
 #include "reference_host/values/Payload.hpp"
 
 #include <algorithm>
+#include <array>
 #include <map>
 #include <utility>
 #include <vector>
@@ -114,42 +115,15 @@ Loan::~Loan()
 
 namespace {
 
-const char* builtInClassName(ValueClass valueClass)
+/// In the order of `ValueClass`.
+constexpr std::array builtInClassNames{"double", "single", "int8",  "uint8",  "int16",   "uint16",
+                                       "int32",  "uint32", "int64", "uint64", "logical", "char",
+                                       "struct", "object", "cell",  "object"};
+
+std::string_view builtInClassName(ValueClass valueClass)
 {
-    switch (valueClass) {
-        case ValueClass::Double:
-            return "double";
-        case ValueClass::Single:
-            return "single";
-        case ValueClass::Int8:
-            return "int8";
-        case ValueClass::UInt8:
-            return "uint8";
-        case ValueClass::Int16:
-            return "int16";
-        case ValueClass::UInt16:
-            return "uint16";
-        case ValueClass::Int32:
-            return "int32";
-        case ValueClass::UInt32:
-            return "uint32";
-        case ValueClass::Int64:
-            return "int64";
-        case ValueClass::UInt64:
-            return "uint64";
-        case ValueClass::Logical:
-            return "logical";
-        case ValueClass::Char:
-            return "char";
-        case ValueClass::Struct:
-            return "struct";
-        case ValueClass::Cell:
-            return "cell";
-        case ValueClass::StructObject:
-        case ValueClass::ClassObject:
-            break;
-    }
-    return "object";
+    return builtInClassNames.at(static_cast<std::size_t>(valueClass) -
+                                static_cast<std::size_t>(ValueClass::Double));
 }
 
 std::string_view classNameOf(const nvArray& value)

@@ -1,4 +1,4 @@
-#include "reference_host/observers/AlignedPaths.hpp"
+#include "reference_host/observers/ClientFunctions.hpp"
 
 #include "tests/reference_host/observers/ObserversTest.hpp"
 

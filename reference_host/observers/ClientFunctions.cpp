@@ -1,4 +1,4 @@
-#include "reference_host/observers/SignalInfo.hpp"
+#include "reference_host/observers/ClientFunctions.hpp"
 
 #include "host/Text.hpp"
 #include "reference_host/classes/ObjectAccess.hpp"
@@ -6,11 +6,14 @@
 #include "reference_host/observers/AlignedPaths.hpp"
 #include "reference_host/observers/CollectionAccess.hpp"
 #include "reference_host/observers/SignalRecords.hpp"
+#include "reference_host/values/ValueContainers.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"
 
 #include <optional>
 #include <unordered_map>
+#include <unordered_set>
+#include <vector>
 
 namespace reference_host {
 
@@ -79,6 +82,62 @@ void fillCachedPort(nvArray* signal)
     ObjectAccess::setProperty(signal, "CachedPortIdx_", index.get());
 }
 
+void setTexts(nvArray* object, const char* property, const std::vector<std::u16string>& texts)
+{
+    const OwnedValue cells = makeCells(Dimensions(1, texts.size()));
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        setCell(cells.get(), i, makeText(texts[i]));
+    }
+    ObjectAccess::setProperty(object, property, cells.get());
+}
+
+void align(nvArray* client)
+{
+    const std::size_t parts = elementCount(ObjectAccess::getProperty(client, "ModelPath_").get());
+    std::vector<std::u16string> path;
+    std::vector<std::u16string> zids;
+    for (std::size_t i = 0; i < parts; ++i) {
+        path.push_back(textInCells(client, "ModelPath_", i));
+        zids.push_back(textInCells(client, "ModelPathZID_", i));
+        if (const Block* block = alignedBlock(toUtf8(zids.back()), path.back())) {
+            path.back() = block->path();
+            zids.back() = toUtf16(block->zid().c_str());
+        }
+    }
+    setTexts(client, "ModelPath_", path);
+    setTexts(client, "ModelPathZID_", zids);
+}
+
+using SignalUUIDs = std::unordered_set<std::string>;
+
+/// None when the model has no instrumented signals to look in.
+std::optional<SignalUUIDs> signalUUIDs(const Model& model)
+{
+    const OwnedValue signals = modelSignals(model);
+    if (!signals) {
+        return std::nullopt;
+    }
+    SignalUUIDs uuids;
+    const std::size_t count = elementsIn(signals.get());
+    for (std::size_t i = 0; i < count; ++i) {
+        uuids.insert(signalUUID(signals.get(), i));
+    }
+    return uuids;
+}
+
+bool isBlockGone(const nvArray* client)
+{
+    const std::u16string path = textInCells(client, "ModelPath_", 0);
+    const std::string zid = toUtf8(textInCells(client, "ModelPathZID_", 0));
+    return !(path.empty() && zid.empty()) && alignedBlock(zid, path) == nullptr;
+}
+
+bool isSignalGone(const nvArray* client, const std::optional<SignalUUIDs>& known)
+{
+    const std::string uuid = toUtf8(textOf(client, "SignalUUID_"));
+    return known && !uuid.empty() && !known->contains(uuid);
+}
+
 }  // namespace
 
 OwnedValue signalInfo(const nvArray* client)
@@ -99,6 +158,32 @@ OwnedValue signalInfo(const nvArray* client)
 void getSignalInfo(HostFunctionCall& call)
 {
     call.setOutput(0, signalInfo(call.input(0)));
+}
+
+void getAlignedObservers(HostFunctionCall& call)
+{
+    const nvArray* clients = requireClients(call.functionName(), call.input(0));
+    modelOf(clients);
+    std::vector<nvcos::COSInterfacePtr> aligned;
+    for (std::size_t i = 0; i < elementsIn(clients); ++i) {
+        if (const OwnedValue client = elementAt(clients, i)) {
+            align(client.get());
+            aligned.push_back(objects(client.get()).front());
+        }
+    }
+    call.setOutput(0, ObjectAccess::makeObjectArray("Zelmar.HMI.SignalClient", aligned));
+}
+
+void validateAndRemoveUnused(HostFunctionCall& call)
+{
+    const nvArray* clients = requireClients(call.functionName(), call.input(0));
+    const std::optional<SignalUUIDs> known = signalUUIDs(*modelOf(clients));
+    for (std::size_t i = elementsIn(clients); i-- > 0;) {
+        const OwnedValue client = elementAt(clients, i);
+        if (client && (isBlockGone(client.get()) || isSignalGone(client.get(), known))) {
+            ObjectAccess::callMethod(clients, "remove", {methodIndex(i).get()});
+        }
+    }
 }
 
 }  // namespace reference_host
