@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_CALLS_BOUNDARY_CALL_HPP
-#define ZM_REFERENCE_HOST_CALLS_BOUNDARY_CALL_HPP
+#pragma once
 
 #include "host/Exceptions.hpp"
 #include "reference_host/Export.hpp"
@@ -154,5 +153,3 @@ private:
 };
 
 }  // namespace reference_host
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_CALLS_BOUNDARY_WATCH_HPP
-#define ZM_REFERENCE_HOST_CALLS_BOUNDARY_WATCH_HPP
+#pragma once
 
 #include "reference_host/Export.hpp"
 
@@ -28,5 +27,3 @@ private:
 };
 
 }  // namespace reference_host
-
-#endif

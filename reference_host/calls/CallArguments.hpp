@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_CALLS_CALL_ARGUMENTS_HPP
-#define ZM_REFERENCE_HOST_CALLS_CALL_ARGUMENTS_HPP
+#pragma once
 
 #include "host/Calls.hpp"
 #include "reference_host/Export.hpp"
@@ -69,5 +68,3 @@ std::string describeArgument(const std::unique_ptr<Thing, Deleter>& thing)
 }
 
 }  // namespace reference_host
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_CALLS_DIAGNOSTIC_HPP
-#define ZM_REFERENCE_HOST_CALLS_DIAGNOSTIC_HPP
+#pragma once
 
 #include "host/Calls.hpp"
 #include "reference_host/support/CallSite.hpp"
@@ -45,5 +44,3 @@ DiagnosticMessage messageInFlight();
 std::string describeDiagnostic(const zmsvDiagnostic* diagnostic);
 
 }  // namespace reference_host
-
-#endif

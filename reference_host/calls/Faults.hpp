@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_CALLS_FAULTS_HPP
-#define ZM_REFERENCE_HOST_CALLS_FAULTS_HPP
+#pragma once
 
 #include "reference_host/Export.hpp"
 
@@ -50,5 +49,3 @@ struct Strike {
 Strike nextStrike(const char* operation, CanFail canFail);
 
 }  // namespace reference_host
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_CALLS_HOST_FUNCTIONS_HPP
-#define ZM_REFERENCE_HOST_CALLS_HOST_FUNCTIONS_HPP
+#pragma once
 
 #include "reference_host/Export.hpp"
 #include "reference_host/values/Value.hpp"
@@ -91,5 +90,3 @@ private:
 };
 
 }  // namespace reference_host
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_CALLS_JOURNAL_HPP
-#define ZM_REFERENCE_HOST_CALLS_JOURNAL_HPP
+#pragma once
 
 #include "reference_host/Export.hpp"
 
@@ -57,5 +56,3 @@ OpenCall* beginJournalEntry(const char* operation, std::vector<std::string> argu
 void endJournalEntry(OpenCall* call) noexcept;
 
 }  // namespace reference_host
-
-#endif

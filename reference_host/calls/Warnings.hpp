@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_CALLS_WARNINGS_HPP
-#define ZM_REFERENCE_HOST_CALLS_WARNINGS_HPP
+#pragma once
 
 #include "host/Exceptions.hpp"
 #include "reference_host/Export.hpp"
@@ -34,5 +33,3 @@ public:
 };
 
 }  // namespace reference_host
-
-#endif

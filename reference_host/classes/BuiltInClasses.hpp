@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_CLASSES_BUILT_IN_CLASSES_HPP
-#define ZM_REFERENCE_HOST_CLASSES_BUILT_IN_CLASSES_HPP
+#pragma once
 
 #include "host/ClassDescriptors.hpp"
 #include "reference_host/Export.hpp"
@@ -37,5 +36,3 @@ ZM_REFHOST_API std::unique_ptr<nvcos::COSClassInfo> makeModelObserversClass();
 ZM_REFHOST_API void getSignalsAndClients(HostFunctionCall& call);
 
 }  // namespace reference_host
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_CLASSES_CLASS_ERRORS_HPP
-#define ZM_REFERENCE_HOST_CLASSES_CLASS_ERRORS_HPP
+#pragma once
 
 #include "reference_host/support/ErrorCatalog.hpp"
 
@@ -12,5 +11,3 @@ inline constexpr const char* classCatalog = "reference_host:classes";
 [[noreturn]] void throwClassError(const char* key, MessageArguments arguments = {});
 
 }  // namespace reference_host
-
-#endif

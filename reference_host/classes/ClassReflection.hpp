@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_CLASSES_CLASS_REFLECTION_HPP
-#define ZM_REFERENCE_HOST_CLASSES_CLASS_REFLECTION_HPP
+#pragma once
 
 #include "host/ClassDescriptors.hpp"
 #include "reference_host/Export.hpp"
@@ -51,5 +50,3 @@ ZM_REFHOST_API std::optional<MethodDescription> describeMethod(const std::string
                                                                const std::string& method);
 
 }  // namespace reference_host
-
-#endif

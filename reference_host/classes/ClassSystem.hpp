@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_CLASSES_CLASS_SYSTEM_HPP
-#define ZM_REFERENCE_HOST_CLASSES_CLASS_SYSTEM_HPP
+#pragma once
 
 #include "host/ClassDescriptors.hpp"
 #include "reference_host/Export.hpp"
@@ -76,5 +75,3 @@ public:
 };
 
 }  // namespace reference_host
-
-#endif

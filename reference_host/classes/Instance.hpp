@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_CLASSES_INSTANCE_HPP
-#define ZM_REFERENCE_HOST_CLASSES_INSTANCE_HPP
+#pragma once
 
 #include "host/ClassObjects.hpp"
 
@@ -49,5 +48,3 @@ namespace nvcos {
 std::string describeArgument(const COSInterface* instance);
 std::string describeArgument(const COSInterfacePtr& instance);
 }  // namespace nvcos
-
-#endif

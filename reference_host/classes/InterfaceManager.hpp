@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_CLASSES_INTERFACE_MANAGER_HPP
-#define ZM_REFERENCE_HOST_CLASSES_INTERFACE_MANAGER_HPP
+#pragma once
 
 #include "host/ClassDescriptors.hpp"
 #include "reference_host/Export.hpp"
@@ -40,5 +39,3 @@ public:
 ZM_REFHOST_API std::unique_ptr<nvcos::COSClassInfo> makeInterfaceManagerClass();
 
 }  // namespace reference_host
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_CLASSES_LIBRARY_CALL_HPP
-#define ZM_REFERENCE_HOST_CLASSES_LIBRARY_CALL_HPP
+#pragma once
 
 #include "reference_host/calls/BoundaryCall.hpp"
 #include "reference_host/classes/ClassErrors.hpp"
@@ -56,5 +55,3 @@ void withContext(Body&& body, Context&& context)
 }
 
 }  // namespace reference_host
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_CLASSES_METHOD_CALL_HPP
-#define ZM_REFERENCE_HOST_CLASSES_METHOD_CALL_HPP
+#pragma once
 
 #include "reference_host/classes/RegisteredClass.hpp"
 #include "reference_host/values/Value.hpp"
@@ -45,5 +44,3 @@ private:
 };
 
 }  // namespace reference_host
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_CLASSES_METHOD_SIGNATURE_HPP
-#define ZM_REFERENCE_HOST_CLASSES_METHOD_SIGNATURE_HPP
+#pragma once
 
 #include "host/ClassDescriptors.hpp"
 #include "reference_host/Export.hpp"
@@ -45,5 +44,3 @@ private:
 namespace nvcos {
 std::string describeArgument(const COSMethodSignature* signature);
 }
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_CLASSES_NAMESPACE_HPP
-#define ZM_REFERENCE_HOST_CLASSES_NAMESPACE_HPP
+#pragma once
 
 #include "host/ClassDescriptors.hpp"
 #include "reference_host/classes/RegisteredClass.hpp"
@@ -92,5 +91,3 @@ private:
 namespace nvcos {
 std::string describeArgument(const COSNamespace* cosNamespace);
 }
-
-#endif

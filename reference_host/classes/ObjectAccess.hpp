@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_CLASSES_CLASS_OBJECTS_HPP
-#define ZM_REFERENCE_HOST_CLASSES_CLASS_OBJECTS_HPP
+#pragma once
 
 #include "host/ClassDescriptors.hpp"
 #include "reference_host/Export.hpp"
@@ -62,5 +61,3 @@ public:
 };
 
 }  // namespace reference_host
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_CLASSES_RECORD_CLASS_HPP
-#define ZM_REFERENCE_HOST_CLASSES_RECORD_CLASS_HPP
+#pragma once
 
 #include "host/ClassDescriptors.hpp"
 #include "reference_host/Export.hpp"
@@ -59,5 +58,3 @@ ZM_REFHOST_API RecordProperty computedProperty(std::string name, std::string typ
                                                RecordProperty::Compute compute);
 
 }  // namespace reference_host
-
-#endif

@@ -4,6 +4,8 @@
 #include "reference_host/classes/ClassErrors.hpp"
 #include "reference_host/classes/LibraryCall.hpp"
 #include "reference_host/classes/Types.hpp"
+#include "reference_host/support/Ledger.hpp"
+#include "reference_host/support/MemoryBlocks.hpp"
 
 #include <algorithm>
 #include <utility>
@@ -13,6 +15,17 @@ struct nvcos::COSClient {};
 namespace reference_host {
 
 namespace {
+
+/// Looked up at load, because the lookup may allocate and its user must not fail.
+LedgerCounter& descriptors = Ledger::counter("class descriptors");
+
+template <class Descriptor>
+void setDescriptorMeantToLive(const Descriptor& descriptor, bool isMeant) noexcept
+{
+    descriptors.declareMeantToLive(isMeant ? 1 : -1);
+    // A library's descriptor is at the start of its block; a descriptor of host code is not in a block.
+    setBlockMeantToLive(dynamic_cast<const void*>(&descriptor), isMeant);
+}
 
 template <class Members>
 auto* findByName(const Members& members, const std::string& name)
@@ -28,6 +41,29 @@ bool isKnownAccess(int code)
 }
 
 }  // namespace
+
+void setMeantToLive(const nvcos::COSNamespaceInfo& descriptor, bool isMeant) noexcept
+{
+    setDescriptorMeantToLive(descriptor, isMeant);
+}
+
+void setMeantToLive(const nvcos::COSClassInfo& descriptor, bool isMeant) noexcept
+{
+    setDescriptorMeantToLive(descriptor, isMeant);
+}
+
+void setMeantToLive(const nvcos::COSPropInfo& descriptor, bool isMeant) noexcept
+{
+    setDescriptorMeantToLive(descriptor, isMeant);
+}
+
+void setMeantToLive(const nvcos::COSMethodInfo& descriptor, bool isMeant) noexcept
+{
+    setDescriptorMeantToLive(descriptor, isMeant);
+    if (const auto* signature = dynamic_cast<const MethodSignature*>(descriptor.getSignature())) {
+        signature->setMeantToLive(isMeant);
+    }
+}
 
 const nvcos::COSClient* hostClient()
 {

@@ -1,15 +1,43 @@
-#ifndef ZM_REFERENCE_HOST_CLASSES_REGISTERED_CLASS_HPP
-#define ZM_REFERENCE_HOST_CLASSES_REGISTERED_CLASS_HPP
+#pragma once
 
 #include "host/ClassDescriptors.hpp"
 #include "reference_host/classes/MethodSignature.hpp"
-#include "reference_host/classes/Registered.hpp"
 
 #include <cstddef>
 #include <deque>
+#include <memory>
 #include <string>
 
 namespace reference_host {
+
+/// Declares to the ledger whether a descriptor, with its memory and its signature, is meant to live.
+void setMeantToLive(const nvcos::COSNamespaceInfo& descriptor, bool isMeant) noexcept;
+void setMeantToLive(const nvcos::COSClassInfo& descriptor, bool isMeant) noexcept;
+void setMeantToLive(const nvcos::COSPropInfo& descriptor, bool isMeant) noexcept;
+void setMeantToLive(const nvcos::COSMethodInfo& descriptor, bool isMeant) noexcept;
+
+struct RegisteredDeleter {
+    template <class Descriptor>
+    void operator()(Descriptor* descriptor) const noexcept
+    {
+        setMeantToLive(*descriptor, false);
+        delete descriptor;
+    }
+};
+
+/// Owns a registered descriptor. While it is registered the ledger does not list it.
+template <class Descriptor>
+using Registered = std::unique_ptr<Descriptor, RegisteredDeleter>;
+
+/// Takes ownership; null is allowed.
+template <class Descriptor>
+Registered<Descriptor> registered(Descriptor* descriptor) noexcept
+{
+    if (descriptor != nullptr) {
+        setMeantToLive(*descriptor, true);
+    }
+    return Registered<Descriptor>(descriptor);
+}
 
 /// The client that the host passes when it calls a class.
 const nvcos::COSClient* hostClient();
@@ -94,5 +122,3 @@ const MethodSignature& signatureOf(const RegisteredClass& cosClass, const Regist
 const nvcos::COSType& typeOf(const RegisteredClass& cosClass, const RegisteredClass::Property& property);
 
 }  // namespace reference_host
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_CLASSES_TYPES_HPP
-#define ZM_REFERENCE_HOST_CLASSES_TYPES_HPP
+#pragma once
 
 #include "host/ClassObjects.hpp"
 
@@ -33,5 +32,3 @@ namespace internal {
 std::string describeArgument(Interned name);
 }
 }  // namespace nvcos
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_CLASSES_VALUE_CONVERSION_HPP
-#define ZM_REFERENCE_HOST_CLASSES_VALUE_CONVERSION_HPP
+#pragma once
 
 #include "host/ClassObjects.hpp"
 #include "reference_host/values/Value.hpp"
@@ -31,5 +30,3 @@ struct NativeValues {
 std::string describeArgument(const NativeValues& values);
 
 }  // namespace reference_host
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_CLASSES_VALUE_EQUALITY_HPP
-#define ZM_REFERENCE_HOST_CLASSES_VALUE_EQUALITY_HPP
+#pragma once
 
 #include "reference_host/Export.hpp"
 #include "reference_host/calls/HostFunctions.hpp"
@@ -30,5 +29,3 @@ ZM_REFHOST_API bool areEqual(const nvArray* left, const nvArray* right);
 ZM_REFHOST_API void isEqual(HostFunctionCall& call);
 
 }  // namespace reference_host
-
-#endif

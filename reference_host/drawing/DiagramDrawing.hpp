@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_DRAWING_DIAGRAM_DRAWING_HPP
-#define ZM_REFERENCE_HOST_DRAWING_DIAGRAM_DRAWING_HPP
+#pragma once
 
 #include "reference_host/Export.hpp"
 #include "reference_host/model/Model.hpp"
@@ -18,5 +17,3 @@ namespace reference_host {
 ZM_REFHOST_API std::string diagramAsDot(const Model& model);
 
 }  // namespace reference_host
-
-#endif

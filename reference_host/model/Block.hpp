@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_MODEL_BLOCK_HPP
-#define ZM_REFERENCE_HOST_MODEL_BLOCK_HPP
+#pragma once
 
 #include "reference_host/Export.hpp"
 #include "reference_host/model/Chart.hpp"
@@ -130,5 +129,3 @@ private:
 };
 
 }  // namespace reference_host
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_MODEL_CHART_HPP
-#define ZM_REFERENCE_HOST_MODEL_CHART_HPP
+#pragma once
 
 #include "reference_host/Export.hpp"
 
@@ -53,5 +52,3 @@ private:
 };
 
 }  // namespace reference_host
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_MODEL_DIAGRAM_ERRORS_HPP
-#define ZM_REFERENCE_HOST_MODEL_DIAGRAM_ERRORS_HPP
+#pragma once
 
 #include "reference_host/Export.hpp"
 #include "reference_host/support/ErrorCatalog.hpp"
@@ -19,5 +18,3 @@ ZM_REFHOST_API zmsvException diagramError(const char* key, MessageArguments argu
 std::string endOfPath(const std::u16string& path);
 
 }  // namespace reference_host
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_MODEL_EDIT_HISTORY_HPP
-#define ZM_REFERENCE_HOST_MODEL_EDIT_HISTORY_HPP
+#pragma once
 
 #include "reference_host/Export.hpp"
 #include "reference_host/model/Model.hpp"
@@ -117,5 +116,3 @@ private:
 };
 
 }  // namespace reference_host
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_MODEL_EDITOR_EVENTS_HPP
-#define ZM_REFERENCE_HOST_MODEL_EDITOR_EVENTS_HPP
+#pragma once
 
 #include "reference_host/Export.hpp"
 #include "reference_host/calls/HostFunctions.hpp"
@@ -31,5 +30,3 @@ public:
 };
 
 }  // namespace reference_host
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_MODEL_MODEL_HPP
-#define ZM_REFERENCE_HOST_MODEL_MODEL_HPP
+#pragma once
 
 #include "reference_host/Export.hpp"
 #include "reference_host/model/Block.hpp"
@@ -119,5 +118,3 @@ private:
 };
 
 }  // namespace reference_host
-
-#endif

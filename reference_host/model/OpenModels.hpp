@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_MODEL_OPEN_MODELS_HPP
-#define ZM_REFERENCE_HOST_MODEL_OPEN_MODELS_HPP
+#pragma once
 
 #include "reference_host/Export.hpp"
 #include "reference_host/model/Model.hpp"
@@ -49,5 +48,3 @@ public:
 };
 
 }  // namespace reference_host
-
-#endif

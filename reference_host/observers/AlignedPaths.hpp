@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_OBSERVERS_ALIGNED_PATHS_HPP
-#define ZM_REFERENCE_HOST_OBSERVERS_ALIGNED_PATHS_HPP
+#pragma once
 
 #include "reference_host/Export.hpp"
 #include "reference_host/calls/HostFunctions.hpp"
@@ -25,5 +24,3 @@ ZM_REFHOST_API Block* alignedBlock(const std::string& zid, const std::u16string&
 void getAlignedBlockPath(HostFunctionCall& call);
 
 }  // namespace reference_host
-
-#endif

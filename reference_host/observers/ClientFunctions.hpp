@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_OBSERVERS_CLIENT_FUNCTIONS_HPP
-#define ZM_REFERENCE_HOST_OBSERVERS_CLIENT_FUNCTIONS_HPP
+#pragma once
 
 #include "reference_host/Export.hpp"
 #include "reference_host/calls/HostFunctions.hpp"
@@ -39,5 +38,3 @@ void getAlignedObservers(HostFunctionCall& call);
 void validateAndRemoveUnused(HostFunctionCall& call);
 
 }  // namespace reference_host
-
-#endif

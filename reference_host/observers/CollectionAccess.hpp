@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_OBSERVERS_COLLECTION_ACCESS_HPP
-#define ZM_REFERENCE_HOST_OBSERVERS_COLLECTION_ACCESS_HPP
+#pragma once
 
 #include "reference_host/Export.hpp"
 #include "reference_host/model/Model.hpp"
@@ -40,5 +39,3 @@ std::string signalUUID(const nvArray* signals, std::size_t index);
 ZM_REFHOST_API OwnedValue methodIndex(std::size_t index);
 
 }  // namespace reference_host
-
-#endif

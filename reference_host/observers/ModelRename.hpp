@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_OBSERVERS_MODEL_RENAME_HPP
-#define ZM_REFERENCE_HOST_OBSERVERS_MODEL_RENAME_HPP
+#pragma once
 
 #include "reference_host/Export.hpp"
 
@@ -14,5 +13,3 @@ namespace reference_host {
 ZM_REFHOST_API void renameModelWithObservers(std::u16string oldName, std::u16string newName);
 
 }  // namespace reference_host
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_OBSERVERS_OBSERVED_PORTS_HPP
-#define ZM_REFERENCE_HOST_OBSERVERS_OBSERVED_PORTS_HPP
+#pragma once
 
 #include "reference_host/Export.hpp"
 #include "reference_host/calls/HostFunctions.hpp"
@@ -51,5 +50,3 @@ void getObservedPorts(HostFunctionCall& call);
 void getPortsWithBadges(HostFunctionCall& call);
 
 }  // namespace reference_host
-
-#endif

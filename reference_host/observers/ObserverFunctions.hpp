@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_OBSERVERS_OBSERVER_FUNCTIONS_HPP
-#define ZM_REFERENCE_HOST_OBSERVERS_OBSERVER_FUNCTIONS_HPP
+#pragma once
 
 #include "reference_host/Export.hpp"
 
@@ -19,5 +18,3 @@ ZM_REFHOST_API void installEditorFunctions();
 ZM_REFHOST_API void installObserverFunctions();
 
 }  // namespace reference_host
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_OBSERVERS_SIGNAL_REBINDING_HPP
-#define ZM_REFERENCE_HOST_OBSERVERS_SIGNAL_REBINDING_HPP
+#pragma once
 
 #include "reference_host/Export.hpp"
 #include "reference_host/calls/HostFunctions.hpp"
@@ -36,5 +35,3 @@ ZM_REFHOST_API void renumberSignals(const nvArray* signals, const NewPortNumbers
 void applyRebindingRules(HostFunctionCall& call);
 
 }  // namespace reference_host
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_OBSERVERS_SIGNAL_RECORDS_HPP
-#define ZM_REFERENCE_HOST_OBSERVERS_SIGNAL_RECORDS_HPP
+#pragma once
 
 #include "reference_host/Export.hpp"
 #include "reference_host/model/Model.hpp"
@@ -46,5 +45,3 @@ ZM_REFHOST_API OwnedValue modelSignals(const Model& model);
 ZM_REFHOST_API OwnedValue modelClients(const Model& model);
 
 }  // namespace reference_host
-
-#endif

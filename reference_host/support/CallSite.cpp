@@ -1,31 +1,20 @@
 #include "reference_host/support/CallSite.hpp"
 
-#include <cxxabi.h>
 #include <dlfcn.h>
+
+#include <boost/core/demangle.hpp>
+
 #include <array>
 #include <charconv>
 #include <cstdint>
-#include <cstdlib>
-#include <memory>
 #include <string_view>
 
 namespace reference_host {
 
 namespace {
 
-// Read and written by every boundary operation; this model makes it cheap in a shared object.
+// Every boundary operation accesses it; this TLS model makes that cheap in a shared object.
 [[gnu::tls_model("initial-exec")]] thread_local CallSite callUnderWay;
-
-struct Freeing {
-    void operator()(char* text) const noexcept { std::free(text); }
-};
-
-std::string readableName(const char* symbol)
-{
-    int status = 0;
-    const std::unique_ptr<char, Freeing> name(abi::__cxa_demangle(symbol, nullptr, nullptr, &status));
-    return name ? name.get() : symbol;
-}
 
 std::string hexadecimal(std::uintptr_t number)
 {
@@ -46,7 +35,7 @@ std::string codeAt(const void* address)
     const std::uintptr_t offset =
         reinterpret_cast<std::uintptr_t>(address) - reinterpret_cast<std::uintptr_t>(info.dli_fbase);
     const std::string place = std::string(file) + "+" + hexadecimal(offset);
-    return info.dli_sname != nullptr ? readableName(info.dli_sname) + " (" + place + ")" : place;
+    return info.dli_sname != nullptr ? boost::core::demangle(info.dli_sname) + " (" + place + ")" : place;
 }
 
 }  // namespace

@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_SUPPORT_CALL_SITE_HPP
-#define ZM_REFERENCE_HOST_SUPPORT_CALL_SITE_HPP
+#pragma once
 
 #include "reference_host/Export.hpp"
 
@@ -27,5 +26,3 @@ struct CallSite {
 ZM_REFHOST_API std::string describeCallSite(const CallSite& site);
 
 }  // namespace reference_host
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_SUPPORT_ERROR_CATALOG_HPP
-#define ZM_REFERENCE_HOST_SUPPORT_ERROR_CATALOG_HPP
+#pragma once
 
 #include "host/Exceptions.hpp"
 #include "reference_host/Export.hpp"
@@ -84,5 +83,3 @@ ZM_REFHOST_API void requirePointer(const void* pointer, std::size_t count = 1);
 ZM_REFHOST_API void requireIndex(std::size_t index, std::size_t count);
 
 }  // namespace reference_host
-
-#endif

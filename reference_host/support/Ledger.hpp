@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_SUPPORT_LEDGER_HPP
-#define ZM_REFERENCE_HOST_SUPPORT_LEDGER_HPP
+#pragma once
 
 #include "reference_host/Export.hpp"
 
@@ -75,5 +74,3 @@ public:
 };
 
 }  // namespace reference_host
-
-#endif

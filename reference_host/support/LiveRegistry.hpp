@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_SUPPORT_LIVE_REGISTRY_HPP
-#define ZM_REFERENCE_HOST_SUPPORT_LIVE_REGISTRY_HPP
+#pragma once
 
 #include <cstddef>
 #include <cstdint>
@@ -78,5 +77,3 @@ private:
 };
 
 }  // namespace reference_host
-
-#endif

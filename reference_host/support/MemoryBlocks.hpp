@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_SUPPORT_MEMORY_BLOCKS_HPP
-#define ZM_REFERENCE_HOST_SUPPORT_MEMORY_BLOCKS_HPP
+#pragma once
 
 #include <cstddef>
 
@@ -18,5 +17,3 @@ void releaseBlock(void* block) noexcept;
 void setBlockMeantToLive(const void* block, bool isMeant) noexcept;
 
 }  // namespace reference_host
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_SUPPORT_MEMORY_LIMIT_HPP
-#define ZM_REFERENCE_HOST_SUPPORT_MEMORY_LIMIT_HPP
+#pragma once
 
 #include <cstddef>
 #include <new>
@@ -21,5 +20,3 @@ inline std::size_t requireBytes(std::size_t count, std::size_t bytesEach)
 }
 
 }  // namespace reference_host
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_SUPPORT_MESSAGE_CATALOG_HPP
-#define ZM_REFERENCE_HOST_SUPPORT_MESSAGE_CATALOG_HPP
+#pragma once
 
 #include "host/Exceptions.hpp"
 #include "reference_host/Export.hpp"
@@ -33,5 +32,3 @@ public:
 ZM_REFHOST_API std::string argumentText(const zmsvMessageArgument& argument, bool isQuoted = false);
 
 }  // namespace reference_host
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_SUPPORT_QUOTED_TEXT_HPP
-#define ZM_REFERENCE_HOST_SUPPORT_QUOTED_TEXT_HPP
+#pragma once
 
 #include "reference_host/Export.hpp"
 
@@ -31,5 +30,3 @@ ZM_REFHOST_API std::string printableText(std::string_view text, std::size_t long
 ZM_REFHOST_API std::string numberText(double number);
 
 }  // namespace reference_host
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_SUPPORT_TEXT_CONVERSION_HPP
-#define ZM_REFERENCE_HOST_SUPPORT_TEXT_CONVERSION_HPP
+#pragma once
 
 #include "reference_host/Export.hpp"
 
@@ -29,5 +28,3 @@ ZM_REFHOST_API DecodedCharacter decodeUtf8(std::string_view text);
 ZM_REFHOST_API std::size_t unpairedSurrogate(std::u16string_view text) noexcept;
 
 }  // namespace reference_host
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_VALUES_DIMENSIONS_HPP
-#define ZM_REFERENCE_HOST_VALUES_DIMENSIONS_HPP
+#pragma once
 
 #include "reference_host/Export.hpp"
 
@@ -36,5 +35,3 @@ private:
 };
 
 }  // namespace reference_host
-
-#endif

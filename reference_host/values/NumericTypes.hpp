@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_VALUES_NUMERIC_TYPES_HPP
-#define ZM_REFERENCE_HOST_VALUES_NUMERIC_TYPES_HPP
+#pragma once
 
 #include "host/Array.hpp"
 #include "reference_host/support/MemoryLimit.hpp"
@@ -109,5 +108,3 @@ void writeNumber(std::byte* data, std::size_t index, double value)
 }
 
 }  // namespace reference_host
-
-#endif

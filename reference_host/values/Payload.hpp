@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_VALUES_PAYLOAD_HPP
-#define ZM_REFERENCE_HOST_VALUES_PAYLOAD_HPP
+#pragma once
 
 #include "host/ClassObjects.hpp"
 #include "reference_host/support/LiveRegistry.hpp"
@@ -75,5 +74,3 @@ inline constexpr std::size_t deepestNesting = 1000;
 LiveRegistry<nvArray>& liveValueRegistry();
 
 }  // namespace reference_host
-
-#endif

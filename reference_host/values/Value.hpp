@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_VALUES_VALUE_HPP
-#define ZM_REFERENCE_HOST_VALUES_VALUE_HPP
+#pragma once
 
 #include "reference_host/Export.hpp"
 #include "reference_host/support/CallSite.hpp"
@@ -99,5 +98,3 @@ ZM_REFHOST_API void declareMeantToLive(nvArray* value);
 ZM_REFHOST_API std::size_t liveValues();
 
 }  // namespace reference_host
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_VALUES_VALUE_CONTAINERS_HPP
-#define ZM_REFERENCE_HOST_VALUES_VALUE_CONTAINERS_HPP
+#pragma once
 
 #include "reference_host/values/Value.hpp"
 
@@ -43,5 +42,3 @@ void storeField(nvArray* value, std::size_t index, const char* name, nvArray* fi
 void storeCell(nvArray* value, std::size_t index, nvArray* element);
 
 }  // namespace reference_host
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_VALUES_VALUE_MAKING_HPP
-#define ZM_REFERENCE_HOST_VALUES_VALUE_MAKING_HPP
+#pragma once
 
 #include "host/ClassObjects.hpp"
 #include "reference_host/values/Dimensions.hpp"
@@ -54,5 +53,3 @@ ZM_REFHOST_API OwnedValue copyShared(const nvArray* value);
 Payload& writablePayload(nvArray* value);
 
 }  // namespace reference_host
-
-#endif

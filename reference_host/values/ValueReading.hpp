@@ -1,5 +1,4 @@
-#ifndef ZM_REFERENCE_HOST_VALUES_VALUE_READING_HPP
-#define ZM_REFERENCE_HOST_VALUES_VALUE_READING_HPP
+#pragma once
 
 #include "host/ClassObjects.hpp"
 #include "reference_host/values/Dimensions.hpp"
@@ -49,5 +48,3 @@ ZM_REFHOST_API void* writableNumericData(nvArray* value);
 ZM_REFHOST_API const std::vector<nvcos::COSInterfacePtr>& objects(const nvArray* value);
 
 }  // namespace reference_host
-
-#endif
