@@ -67,8 +67,7 @@ std::string pictureNode(const reference_host::Model& model, const std::string& b
     if (block == nullptr) {
         return {};
     }
-    const bool isSystem = block->kind() == reference_host::BlockKind::System;
-    return 'b' + std::to_string(block->number()) + (isSystem ? "o" : "");
+    return reference_host::drawingNode(*block);
 }
 
 }  // namespace live

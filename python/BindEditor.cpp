@@ -5,7 +5,6 @@
 #include "python/Edge.hpp"
 #include "python/PythonText.hpp"
 #include "reference_host/drawing/DiagramDrawing.hpp"
-#include "reference_host/model/DiagramErrors.hpp"
 #include "reference_host/model/EditHistory.hpp"
 #include "reference_host/model/EditorEvents.hpp"
 #include "reference_host/model/OpenModels.hpp"
@@ -87,9 +86,11 @@ void extendModel(const py::object& model)
         model, "redo", [](const ModelPtr& self) { return atEdge([&] { return self->history().redo(); }); },
         "Does once more what was taken back; False when there is nothing.");
     addMethod(
-        model, "as_dot",
-        [](const ModelPtr& self) { return atEdge([&] { return reference_host::diagramAsDot(*self); }); },
-        "The diagram with its badges as a graph for Graphviz's program \"dot\".");
+        model, "draw",
+        [](const ModelPtr& self, const std::filesystem::path& file) {
+            atEdge([&] { reference_host::drawDiagram(*self, file); });
+        },
+        py::arg("path"), "Draws the diagram into an .svg, .png or .pdf file, with badges.");
     addProperty(
         model, "observers",
         [](const ModelPtr& self) { return atEdge([&] { return toPython(self->observers()); }); },
@@ -259,12 +260,6 @@ void bindEditor(py::module_& module)
             return events;
         },
         "What the library has told the host about blocks, (event, path); forgotten thereby.");
-    module.def(
-        "refuse_drawing",
-        [](const Text& file, const Text& reason) {
-            atEdge([&] { throw reference_host::diagramError("DrawingFailed", {file.value, reason.value}); });
-        },
-        py::arg("file"), py::arg("reason"), "Raises the host's error for a drawing that failed.");
     reference_host::installObserverFunctions();
     reference_host::installEditorFunctions();
 }

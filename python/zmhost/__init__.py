@@ -28,7 +28,6 @@ from typing import TYPE_CHECKING, Any, TypeVar
 from zmhost import _classes, _library, _zmhost, editor, faults
 from zmhost._argument_errors import word_argument_errors
 from zmhost._classes import HostObject, Namespace, ObjectArray
-from zmhost import _drawing as _drawing  # adds Model.draw
 from zmhost._files import open_model
 from zmhost._errors import ElementIndexError, FileError, HostError, HostWarning, MissingFileError, ValueTypeError
 from zmhost._recording import FileRecording, VariableRecording, replay, workspace

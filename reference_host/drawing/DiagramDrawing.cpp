@@ -1,11 +1,18 @@
 #include "reference_host/drawing/DiagramDrawing.hpp"
 
 #include "host/Text.hpp"
+#include "reference_host/model/DiagramErrors.hpp"
 #include "reference_host/observers/ObservedPorts.hpp"
 
+#include <sys/wait.h>
+
 #include <boost/algorithm/string/replace.hpp>
+#include <boost/algorithm/string/trim.hpp>
 
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
 #include <set>
 #include <sstream>
 #include <unordered_map>
@@ -40,8 +47,8 @@ std::string escaped(const std::u16string& name)
     return text;
 }
 
-/// A name in quotes, without the characters that Graphviz interprets: look-alikes replace them.
-std::string quoted(const std::u16string& name)
+/// A name without the characters that Graphviz interprets: look-alikes replace them.
+std::string plainName(const std::u16string& name)
 {
     std::string text = toUtf8(name);
     std::replace_if(
@@ -49,7 +56,30 @@ std::string quoted(const std::u16string& name)
     boost::replace_all(text, "\"", "\u201D");
     boost::replace_all(text, "\\", "\u2216");
     boost::replace_all(text, ":", "\u2236");
-    return '"' + text + '"';
+    return text;
+}
+
+std::string quoted(const std::u16string& name)
+{
+    return '"' + plainName(name) + '"';
+}
+
+/// The name of the node for connections to a block's inputs, or from its outputs: of a system, its strip of
+/// them. The path without the model name, because that is the title of the whole drawing.
+std::u16string nodeName(const Block& block, PortKind kind)
+{
+    const std::u16string path = block.path();
+    const std::size_t slash = path.find(u'/');
+    const bool isSystem = block.kind() == BlockKind::System;
+    return (slash == std::u16string::npos ? path : path.substr(slash + 1)) + (!isSystem ? u""
+                                                                              : kind == PortKind::Input
+                                                                                  ? u"/ inputs"
+                                                                                  : u"/ outputs");
+}
+
+std::string nodeOf(const Block& block, PortKind kind)
+{
+    return quoted(nodeName(block, kind));
 }
 
 /// The signals on one block.
@@ -98,17 +128,6 @@ private:
         static const Badges none;
         const auto found = m_badges.find(&block);
         return found == m_badges.end() ? none : found->second;
-    }
-
-    /// The node for connections to a block's inputs, or from its outputs: of a system, its strip of them.
-    std::string nodeOf(const Block& block, PortKind kind) const
-    {
-        std::u16string path = block.path();
-        if (block.parent() != nullptr) {
-            path.erase(0, m_model.name().size() + 1);
-        }
-        const bool isSystem = block.kind() == BlockKind::System;
-        return quoted(path + (!isSystem ? u"" : kind == PortKind::Input ? u"/ inputs" : u"/ outputs"));
     }
 
     void drawContents(const Block& system)
@@ -275,6 +294,72 @@ private:
 std::string diagramAsDot(const Model& model)
 {
     return Drawing(model).draw();
+}
+
+std::string drawingNode(const Block& block)
+{
+    return plainName(nodeName(block, PortKind::Output));
+}
+
+namespace {
+
+using TemporaryFile = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
+
+TemporaryFile makeTemporaryFile(const std::filesystem::path& drawing, const std::string& content)
+{
+    TemporaryFile file(std::tmpfile(), std::fclose);
+    if (file == nullptr || std::fwrite(content.data(), 1, content.size(), file.get()) != content.size() ||
+        std::fflush(file.get()) != 0) {
+        throw diagramError("DrawingFailed", {drawing.string(), "no temporary file can be written"});
+    }
+    return file;
+}
+
+std::string contentOf(std::FILE* file)
+{
+    std::string text;
+    std::rewind(file);
+    for (int c = std::fgetc(file); c != EOF; c = std::fgetc(file)) {
+        text += static_cast<char>(c);
+    }
+    return boost::trim_copy(text);
+}
+
+/// Of one word of a shell command.
+std::string shellQuoted(std::string word)
+{
+    boost::replace_all(word, "'", "'\\''");
+    return "'" + word + "'";
+}
+
+std::string pathOf(std::FILE* file)
+{
+    return "/dev/fd/" + std::to_string(fileno(file));
+}
+
+}  // namespace
+
+void drawDiagram(const Model& model, const std::filesystem::path& file)
+{
+    const std::string extension = file.extension().string();
+    if (extension.size() < 2) {
+        throw diagramError("DrawingFailed",
+                           {file.string(), "the extension of the file must name a format, such as \".svg\""});
+    }
+    const TemporaryFile source = makeTemporaryFile(file, diagramAsDot(model));
+    const TemporaryFile errors = makeTemporaryFile(file, {});
+    // An absolute path never looks like an option.
+    const std::string command = "exec dot -T" + shellQuoted(extension.substr(1)) + " -o " +
+                                shellQuoted(std::filesystem::absolute(file).string()) + " <" +
+                                pathOf(source.get()) + " 2>" + pathOf(errors.get());
+    // The command consists of quoted words. NOLINTNEXTLINE(cert-env33-c)
+    const int status = std::system(command.c_str());
+    if (status != 0) {
+        const int code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        throw diagramError("DrawingFailed",
+                           {file.string(), "Graphviz's program \"dot\" failed with code " +
+                                               std::to_string(code) + ": " + contentOf(errors.get())});
+    }
 }
 
 }  // namespace reference_host

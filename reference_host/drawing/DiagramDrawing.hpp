@@ -3,6 +3,7 @@
 #include "reference_host/Export.hpp"
 #include "reference_host/model/Model.hpp"
 
+#include <filesystem>
 #include <string>
 
 namespace reference_host {
@@ -15,5 +16,13 @@ namespace reference_host {
 /// Nodes are named by the path of their block and ports by their connector, because viewers show these names
 /// when the pointer rests on a block or a connection.
 ZM_REFHOST_API std::string diagramAsDot(const Model& model);
+
+/// The name of the node that has a block's outputs, which is also the title of its group in an .svg.
+ZM_REFHOST_API std::string drawingNode(const Block& block);
+
+/// Draws a model into a file, in the format that the file's extension names (".svg", ".png", ".pdf" …), by
+/// Graphviz's program "dot". If the program is missing or fails, nothing is drawn and a host error gives the
+/// reason in the program's own words ("DrawingFailed": file, reason).
+ZM_REFHOST_API void drawDiagram(const Model& model, const std::filesystem::path& file);
 
 }  // namespace reference_host

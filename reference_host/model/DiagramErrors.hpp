@@ -1,6 +1,5 @@
 #pragma once
 
-#include "reference_host/Export.hpp"
 #include "reference_host/support/ErrorCatalog.hpp"
 
 #include <string>
@@ -11,7 +10,7 @@ namespace reference_host {
 inline constexpr const char* diagramCatalog = "reference_host:diagram";
 
 /// A message of the diagram's catalog and its text; throw it, or report it as a warning.
-ZM_REFHOST_API zmsvException diagramError(const char* key, MessageArguments arguments);
+zmsvException diagramError(const char* key, MessageArguments arguments);
 
 /// A path for a message, UTF-8. Of one that is too long for a line, the end, which tells most: a file can
 /// make paths of any length.
