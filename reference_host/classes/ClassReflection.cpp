@@ -1,6 +1,7 @@
 #include "reference_host/classes/ClassReflection.hpp"
 
 #include "reference_host/classes/ClassSystem.hpp"
+#include "reference_host/classes/RegisteredClass.hpp"
 #include "reference_host/classes/Types.hpp"
 
 #include <span>
