@@ -9,9 +9,29 @@ zmsvMessageId::zmsvMessageId(std::string catalog, std::string key, std::vector<z
 {
 }
 
-zmsvMessageId::zmsvMessageId(const zmsvMessageId&) = default;
+/// Copies without copying a `std::variant`: one whose copy fails for lack of memory is destroyed with an
+/// invalid index (g++ 12).
+static std::vector<zmsvMessageArgument> copied(const std::vector<zmsvMessageArgument>& arguments)
+{
+    std::vector<zmsvMessageArgument> copies;
+    copies.reserve(arguments.size());
+    for (const zmsvMessageArgument& argument : arguments) {
+        std::visit([&](auto content) { copies.emplace_back(std::move(content)); }, argument);
+    }
+    return copies;
+}
+
+zmsvMessageId::zmsvMessageId(const zmsvMessageId& other)
+    : m_catalog(other.m_catalog), m_key(other.m_key), m_arguments(copied(other.m_arguments))
+{
+}
+
 zmsvMessageId::zmsvMessageId(zmsvMessageId&&) noexcept = default;
-zmsvMessageId& zmsvMessageId::operator=(const zmsvMessageId&) = default;
+zmsvMessageId& zmsvMessageId::operator=(const zmsvMessageId& other)
+{
+    return *this = zmsvMessageId(other);
+}
+
 zmsvMessageId& zmsvMessageId::operator=(zmsvMessageId&&) noexcept = default;
 zmsvMessageId::~zmsvMessageId() = default;
 

@@ -39,12 +39,12 @@ bool isName(const nvArray* value)
 
 }  // namespace
 
-const std::vector<InterfaceManager::Rename>& InterfaceManager::renames() noexcept
+const std::vector<InterfaceManager::Rename>& InterfaceManager::renames()
 {
     return announced();
 }
 
-void InterfaceManager::forgetRenames() noexcept
+void InterfaceManager::forgetRenames()
 {
     announced().clear();
 }

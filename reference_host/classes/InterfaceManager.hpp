@@ -25,8 +25,8 @@ public:
     };
 
     /// The renames announced so far, the first one first.
-    static const std::vector<Rename>& renames() noexcept;
-    static void forgetRenames() noexcept;
+    static const std::vector<Rename>& renames();
+    static void forgetRenames();
 
     /// The host function "renameModel": takes a manager, the old name and the new one. Other arguments
     /// are a host error ("WrongArgument").

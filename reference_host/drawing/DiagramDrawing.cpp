@@ -352,7 +352,7 @@ void drawDiagram(const Model& model, const std::filesystem::path& file)
     const std::string command = "exec dot -T" + shellQuoted(extension.substr(1)) + " -o " +
                                 shellQuoted(std::filesystem::absolute(file).string()) + " <" +
                                 pathOf(source.get()) + " 2>" + pathOf(errors.get());
-    // The command consists of quoted words. NOLINTNEXTLINE(cert-env33-c)
+    // The command consists of quoted words.
     const int status = std::system(command.c_str());
     if (status != 0) {
         const int code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;

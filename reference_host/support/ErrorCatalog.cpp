@@ -91,9 +91,9 @@ void throwHostError(const char* key, MessageArguments arguments)
 
 void throwMisuse(const char* key, MessageArguments arguments)
 {
-    const zmsvException error = hostError(key, std::move(arguments));
+    zmsvException error = hostError(key, std::move(arguments));
     Ledger::recordMisuse(error.what());
-    throw zmsvException(error);
+    throw error;  // NOLINT(misc-throw-by-value-catch-by-reference): recorded before it is thrown
 }
 
 void requirePointer(const void* pointer, std::size_t count)

@@ -21,17 +21,14 @@ struct MemoryBlock {
 
 std::uint64_t blockCount = 0;
 
-/// Never destroyed: libraries release blocks while the process ends.
-std::unordered_map<const void*, MemoryBlock>& blocks()
-{
-    static auto& open = *new std::unordered_map<const void*, MemoryBlock>;
-    return open;
-}
+/// Never destroyed: libraries release blocks while the process ends. Created at load, because the functions
+/// that use it cannot fail.
+std::unordered_map<const void*, MemoryBlock>& blocks = *new std::unordered_map<const void*, MemoryBlock>;
 
 std::vector<std::string> listOpen(std::uint64_t after)
 {
     std::vector<std::string> lines;
-    for (const auto& [address, block] : blocks()) {
+    for (const auto& [address, block] : blocks) {
         if (block.serial > after && !block.meantToLive) {
             lines.push_back("block " + std::to_string(block.serial) + " of " + std::to_string(block.size) +
                             " bytes, made by " + describeCallSite(block.madeBy));
@@ -52,7 +49,7 @@ void* allocateBlock(std::size_t size) noexcept
         return nullptr;
     }
     try {
-        blocks()[block] = {++blockCount, size, CallSite::current(), false};
+        blocks[block] = {++blockCount, size, CallSite::current(), false};
     } catch (const std::bad_alloc&) {
         std::free(block);
         return nullptr;
@@ -62,7 +59,7 @@ void* allocateBlock(std::size_t size) noexcept
 
 void releaseBlock(void* block) noexcept
 {
-    if (block != nullptr && blocks().erase(block) == 0) {
+    if (block != nullptr && blocks.erase(block) == 0) {
         Ledger::recordMisuse("nvFree: the block is not open; it was given back before or is not the host's");
         return;
     }
@@ -71,7 +68,7 @@ void releaseBlock(void* block) noexcept
 
 void setBlockMeantToLive(const void* block, bool isMeant) noexcept
 {
-    if (const auto found = blocks().find(block); found != blocks().end()) {
+    if (const auto found = blocks.find(block); found != blocks.end()) {
         found->second.meantToLive = isMeant;
     }
 }
