@@ -53,10 +53,10 @@ constexpr std::array messages{
 
 }  // namespace
 
-void throwClassError(const char* key, MessageArguments arguments)
+void throwClassError(const char* key, MessageArguments arguments, MessageArguments details)
 {
     static const ErrorCatalog catalog(classCatalog, messages);
-    throw catalog.error(key, std::move(arguments));
+    throw catalog.error(key, std::move(arguments), std::move(details));
 }
 
 }  // namespace reference_host

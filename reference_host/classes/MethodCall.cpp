@@ -128,7 +128,7 @@ std::size_t MethodCall::resultCount(int outputCount) const
         return declared;
     }
     if (outputCount < 0 || static_cast<std::size_t>(outputCount) > declared) {
-        throwClassError("TooManyOutputs", {m_class.fullName(), m_method.name, declared, outputCount});
+        throwClassError("TooManyOutputs", {m_class.fullName(), m_method.name}, {declared, outputCount});
     }
     return static_cast<std::size_t>(outputCount);
 }
@@ -146,7 +146,8 @@ void MethodCall::convertInputs(const nvArray* object, const Arguments& arguments
     for (std::size_t i = 0; i < all.size(); ++i) {
         const std::string complaint = convertToType(all[i], *m_signature.inputs()[i], m_inputs[i]);
         if (!complaint.empty()) {
-            throwClassError("WrongArgument", {m_class.fullName(), m_method.name, i + 1 - objects, complaint});
+            throwClassError("WrongArgument", {m_class.fullName(), m_method.name, i + 1 - objects},
+                            {complaint});
         }
         m_loans.emplace_back(all[i]);
     }
@@ -157,10 +158,10 @@ void MethodCall::checkArgumentCount(std::size_t count, std::size_t objects) cons
     const std::size_t declared = m_signature.inputs().size() - objects;
     if (count + objects < m_signature.requiredInputs()) {
         const nvcos::COSType& missing = *m_signature.inputs()[count + objects];
-        throwClassError("TooFewArguments", {m_class.fullName(), m_method.name, count + 1, missing.name});
+        throwClassError("TooFewArguments", {m_class.fullName(), m_method.name, count + 1}, {missing.name});
     }
     if (count > declared) {
-        throwClassError("TooManyArguments", {m_class.fullName(), m_method.name, declared + 1, declared});
+        throwClassError("TooManyArguments", {m_class.fullName(), m_method.name, declared + 1}, {declared});
     }
 }
 
@@ -194,7 +195,7 @@ void MethodCall::invoke(int outputCount, Outputs& outputs) const
     }
     outputs.checkGivenOnce(m_name);
     if (outputCount < 0 || static_cast<std::size_t>(outputCount) > outputs.size()) {
-        throwClassError("BadOutputCount", {m_class.fullName(), m_method.name, outputCount, outputs.size()});
+        throwClassError("BadOutputCount", {m_class.fullName(), m_method.name}, {outputCount, outputs.size()});
     }
 }
 

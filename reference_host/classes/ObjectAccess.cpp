@@ -184,7 +184,7 @@ void Property::set(const nvArray* value) const
     nvcos::COSValue converted;
     const std::string complaint = convertToType(value, typeOf(*m_class, *m_property), converted);
     if (!complaint.empty()) {
-        throwClassError("WrongValue", {m_class->fullName(), m_property->name, complaint});
+        throwClassError("WrongValue", {m_class->fullName(), m_property->name}, {complaint});
     }
     const Loan loan(value);
     const auto body = [&] { m_property->info->setValue(m_instance.get(), std::move(converted)); };

@@ -81,7 +81,7 @@ public:
         OwnedValue copy = array != nullptr ? copyDeep(*array) : makeValue(value);
         const std::string complaint = property().check ? property().check(copy.get()) : std::string();
         if (!complaint.empty()) {
-            throwClassError("WrongValue", {fullName(instance), getName(), complaint});
+            throwClassError("WrongValue", {fullName(instance), getName()}, {complaint});
         }
         replaceField(valuesOf(instance), 0, getName(), std::move(copy));
     }
@@ -154,7 +154,7 @@ private:
     }
     [[noreturn]] void throwArgumentError(const std::string& why) const
     {
-        throwClassError("WrongArgument", {m_class.fullName(), m_class.simpleName(), 1U, why});
+        throwClassError("WrongArgument", {m_class.fullName(), m_class.simpleName(), 1U}, {why});
     }
 
     Properties m_properties;

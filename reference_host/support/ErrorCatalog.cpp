@@ -6,6 +6,7 @@
 #include "reference_host/support/TextConversion.hpp"
 
 #include <array>
+#include <iterator>
 
 namespace reference_host {
 
@@ -68,10 +69,14 @@ ErrorCatalog::ErrorCatalog(const char* name, std::span<const CatalogMessage> mes
     }
 }
 
-zmsvException ErrorCatalog::error(const char* key, MessageArguments arguments) const
+zmsvException ErrorCatalog::error(const char* key, MessageArguments arguments, MessageArguments details) const
 {
     std::vector<zmsvMessageArgument> list = std::move(arguments).take();
+    std::vector<zmsvMessageArgument> more = std::move(details).take();
+    const std::size_t count = list.size();
+    list.insert(list.end(), std::make_move_iterator(more.begin()), std::make_move_iterator(more.end()));
     std::string text = MessageCatalog::text(m_name, key, list);
+    list.resize(count);
     const std::string_view name(key);
     return {zmsvMessageId(m_name, std::string(name.substr(0, name.find(':'))), std::move(list)),
             std::move(text)};

@@ -59,8 +59,9 @@ class ZM_REFHOST_API ErrorCatalog {
 public:
     ErrorCatalog(const char* name, std::span<const CatalogMessage> messages);
 
-    /// A message of the catalog with its text, to be thrown or to be reported as a warning.
-    zmsvException error(const char* key, MessageArguments arguments) const;
+    /// A message of the catalog with its text, to be thrown or to be reported as a warning. The details are
+    /// further arguments of the text, which are not part of the message's id.
+    zmsvException error(const char* key, MessageArguments arguments, MessageArguments details = {}) const;
 
 private:
     std::string m_name;

@@ -23,6 +23,13 @@ TEST_F(ErrorCatalogTest, ErrorHasTheIdAndTheTextOfItsMessage)
     EXPECT_STREQ(error.what(), "3 are more than 2.");
 }
 
+TEST_F(ErrorCatalogTest, DetailsAreInTheTextAndNotInTheId)
+{
+    const zmsvException error = m_catalog.error("TooMany", {3U}, {2U});
+    EXPECT_EQ(error.id().arguments(), std::vector<zmsvMessageArgument>{std::uint64_t{3}});
+    EXPECT_STREQ(error.what(), "3 are more than 2.");
+}
+
 TEST_F(ErrorCatalogTest, MessageThatIsNotThereShowsItsId)
 {
     EXPECT_STREQ(m_catalog.error("Nothing", {}).what(), "test:errors:Nothing");
