@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::string_view utf8Name = "UTF-8";
 
-/// What every converter of this host is.
+/// The only kind of converter of this host.
 class Utf8Converter final : public zmsvTextConverter {
 public:
     std::string fromUtf16(const std::u16string& text) const { return utf8FromUtf16(text); }

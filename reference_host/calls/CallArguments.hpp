@@ -30,8 +30,8 @@ struct ValueList {
     int count;
 };
 
-// Arguments and results as the journal writes them. More overloads may stand beside a type, in
-// whatever namespace it lives in: they are found by argument-dependent lookup.
+// Arguments and results as the journal writes them. Other types have overloads in their own namespace, which
+// are found by argument-dependent lookup.
 
 ZM_REFHOST_API std::string describeArgument(const nvArray* value);
 ZM_REFHOST_API std::string describeArgument(const zmsvDiagnostic* diagnostic);
@@ -60,7 +60,7 @@ std::string describeArgument(Enum value)
     return std::to_string(static_cast<long long>(value));
 }
 
-/// Anything else that is owned by pointer: its address tells nothing, so only whether it is there.
+/// Other owned things: only whether there is one, because addresses differ from run to run.
 template <class Thing, class Deleter>
 std::string describeArgument(const std::unique_ptr<Thing, Deleter>& thing)
 {

@@ -7,7 +7,7 @@
 
 namespace reference_host {
 
-/// How an operation is told to fail.
+/// The way in which an operation is made to fail.
 enum class FaultKind : std::uint8_t {
     OutOfMemory,    ///< short memory: `zmsvOutOfMemoryException`, or null where that is the answer
     HostException,  ///< a `zmsvException` with the key "InjectedFault"; a diagnostic of `zmsvFEVAL_NoThrow`
@@ -15,8 +15,7 @@ enum class FaultKind : std::uint8_t {
     Null            ///< the operation returns null, or fills no output, where that has a meaning
 };
 
-/// What a boundary operation can be told to do; pure tests and the operations that end something
-/// cannot be made to fail.
+/// How a boundary operation can be made to fail. Predicates and operations that destroy something cannot.
 enum class CanFail : std::uint8_t {
     Never,
     Throwing,        ///< OutOfMemory, HostException
@@ -26,7 +25,7 @@ enum class CanFail : std::uint8_t {
     HostCallNoThrow  ///< OutOfMemory throws; HostException and Diagnostic come back as a diagnostic; Null
 };
 
-/// One fault at a time, waiting for its call.
+/// Fault injection: at most one fault is armed at a time.
 class ZM_REFHOST_API Faults {
 public:
     static constexpr const char* anyOperation = "any operation";

@@ -21,7 +21,7 @@ FunctionTable& table()
     return instance;
 }
 
-/// Empty when nobody knows the name. A copy: a function may redefine or remove itself.
+/// Empty for an unknown name. A copy, because a function may redefine or remove itself.
 HostFunction findFunction(const std::string& name)
 {
     const auto found = table().functions.find(name);
@@ -122,7 +122,7 @@ std::vector<OwnedValue> HostFunctions::call(const std::string& name, std::span<c
     };
     try {
         call(name, inputs, slots, context);
-    } catch (...) {  // whatever a function throws, what it made by then ends here
+    } catch (...) {  // destroy the outputs that the function made before it failed
         takeSlots();
         throw;
     }

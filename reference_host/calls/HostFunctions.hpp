@@ -28,11 +28,11 @@ public:
     /// The number of outputs that the caller asked for.
     std::size_t outputCount() const noexcept { return m_outputs.size(); }
 
-    /// Fills the caller's slot at once; what it held from this call ends. An output that was not asked
-    /// for ends here.
+    /// Fills the caller's slot at once and destroys the former value of this call. An output that the caller
+    /// did not ask for is destroyed.
     void setOutput(std::size_t index, OwnedValue value);
 
-    /// What the caller passed for the function; may be null.
+    /// An opaque pointer that the caller passed for the function; may be null.
     void* context() const noexcept { return m_context; }
 
 private:
@@ -42,10 +42,10 @@ private:
     void* m_context;
 };
 
-/// What a host function does. It fails by throwing.
+/// The body of a host function. It fails by throwing.
 using HostFunction = std::function<void(HostFunctionCall&)>;
 
-/// The functions that `zmsvFEVAL` and its like reach, by full name.
+/// The functions that `zmsvFEVAL` and `zmsvFEVAL_NoThrow` call, by full name.
 class ZM_REFHOST_API HostFunctions {
 public:
     /// A name that is defined already is a host error.
@@ -67,7 +67,7 @@ public:
     static void setResolver(Resolver resolver);
 
     /// Calls from host code. The result has `outputCount` entries, null where the function gave none.
-    /// Throws what the function throws; an unknown name is a host error.
+    /// Exceptions of the function pass through; an unknown name is a host error.
     static std::vector<OwnedValue> call(const std::string& name, std::span<const nvArray* const> inputs,
                                         std::size_t outputCount, void* context = nullptr);
 

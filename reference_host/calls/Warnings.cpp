@@ -41,7 +41,7 @@ void Warnings::report(Warning warning)
     if (sink().listener) {
         try {
             sink().listener(warning);
-        } catch (...) {  // nothing may leave a report; the sink below still has the warning
+        } catch (...) {  // reporting cannot fail; the warning is kept below
         }
     }
     sink().reported.push_back(std::move(warning));

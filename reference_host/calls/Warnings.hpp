@@ -15,20 +15,20 @@ struct Warning {
     std::string text;
 };
 
-/// The warnings reported so far, until somebody takes them.
+/// The warnings that were reported and not yet taken.
 class ZM_REFHOST_API Warnings {
 public:
     static const std::vector<Warning>& reported();
 
-    /// Hands out what was reported and forgets it.
+    /// Returns the warnings and forgets them.
     static std::vector<Warning> take();
     static void clear();
 
     /// Host code's own warnings come in here too.
     static void report(Warning warning);
 
-    /// Called with every warning as it is reported; empty for none. What the listener throws is
-    /// dropped: a warning is reported where nothing may be thrown.
+    /// Called with every warning as it is reported; empty for none. Exceptions of the listener are dropped,
+    /// because warnings are reported by operations that cannot fail.
     static void setListener(std::function<void(const Warning&)> listener);
 };
 

@@ -33,8 +33,8 @@ public:
     /// The top-level namespaces, in the order in which they were added.
     static std::vector<std::string> namespaces();
 
-    /// The simple names of what a namespace holds, in the order in which it was added. Define the
-    /// namespace; one that does not exist is a host error.
+    /// The simple names of the members of a namespace, in the order of their addition. Define the namespace;
+    /// an unknown name is a host error.
     static std::vector<std::string> innerNamespaces(const std::string& namespaceName);
     static std::vector<std::string> classes(const std::string& namespaceName);
 

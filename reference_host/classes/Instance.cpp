@@ -88,7 +88,7 @@ void Instance::deallocate() noexcept
     }
 }
 
-// Here, and not with the rest of the class, because only this file knows what an instance looks like.
+// Defined here, because RegisteredClass must not depend on Instance.
 void* RegisteredClass::getInstanceData(const nvcos::COSInterface* instance) const noexcept
 {
     const Operation operation("COSClass::getInstanceData", CanFail::Never);

@@ -57,7 +57,7 @@ public:
     Namespace* knownInner(const std::string& simpleName) const;
     RegisteredClass* knownClass(const std::string& simpleName) const;
 
-    // These define the namespace; the searches also give its info a chance to load what is missing.
+    // These define the namespace; the searches also ask its info to load a missing member.
     Namespace* findInner(const std::string& simpleName);
     RegisteredClass* findClass(const std::string& simpleName);
     const std::vector<std::unique_ptr<Namespace>>& innerNamespaces();

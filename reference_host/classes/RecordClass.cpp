@@ -27,7 +27,7 @@ using nvcos::COSPropAccess;
 using nvcos::COSValue;
 using Properties = std::shared_ptr<const std::vector<RecordProperty>>;
 
-/// The values of all objects. Never destroyed: objects end while the process goes down.
+/// The values of all objects. Never destroyed: objects are released while the process ends.
 std::unordered_set<OwnedValue*>& records()
 {
     static auto& instance = *new std::unordered_set<OwnedValue*>;
@@ -72,7 +72,7 @@ public:
     int getAccess() const noexcept override { return static_cast<int>(COSPropAccess::ReadWrite); }
     COSValue getValue(COSInterface* instance) override
     {
-        // Only copied by whoever asked, so that the record's own value may be handed out.
+        // The caller only copies the value.
         return const_cast<nvArray*>(field(valuesOf(instance), 0, getName()));
     }
     void setValue(COSInterface* instance, COSValue value) override
@@ -271,7 +271,7 @@ std::unique_ptr<nvcos::COSClassInfo> makeRecordClass(std::string simpleName,
 
 void endRecordValues()
 {
-    // Taken all before the first one ends, for that may end other objects.
+    // All are taken before the first is destroyed, because that may release other objects.
     std::vector<OwnedValue> all;
     all.reserve(records().size());
     for (OwnedValue* values : records()) {

@@ -13,15 +13,15 @@ namespace reference_host {
 
 /// One property of a class of host code.
 struct RecordProperty {
-    /// Says why a value is refused, as the end of a sentence ("must be a struct or empty"); empty when
-    /// it is taken.
+    /// Returns the reason for refusing a value, as the end of a sentence ("must be a struct or empty"), or an
+    /// empty text.
     using Check = std::function<std::string(const nvArray* value)>;
     using Compute = std::function<OwnedValue(const nvArray* object)>;
 
     std::string name;
     std::string type;                         ///< a type name, as signatures use them
     std::function<OwnedValue()> makeDefault;  ///< the value of a new object
-    Check check = nullptr;                    ///< what the type alone does not say; may be empty
+    Check check = nullptr;                    ///< restrictions beyond the type; may be empty
     Compute compute = nullptr;                ///< set for a property that is read only and worked out on
                                               ///< each read; `makeDefault` is not used then
 };

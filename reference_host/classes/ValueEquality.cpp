@@ -29,8 +29,8 @@ bool isEmptyValue(const nvArray* value)
            (isNumber(value) && dimensions(value).list() == std::vector<std::size_t>{0, 0});
 }
 
-/// The numbers of a value one by one, complex ones as pairs. A long double holds every number of every
-/// class as it is.
+/// The numbers of a value one by one, complex ones as pairs. A long double represents every number of every
+/// class exactly.
 class NumberReader {
 public:
     explicit NumberReader(const nvArray* value)

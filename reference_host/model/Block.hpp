@@ -18,20 +18,20 @@ namespace reference_host {
 class Block;
 class Model;
 
-/// `Other` is a connector through which no signal flows in a fixed direction: a parameter, a constant …
+/// `Other` is a connector without a fixed signal direction, such as a parameter.
 enum class PortKind { Output, Input, Other };
 
 /// Blocks, ports and connections remember the element of the document that they were read from: `origin`
-/// counts from 1 the elements of these kinds, in the order of their beginnings. What was not read has 0.
+/// counts the elements of these kinds from 1, in document order. 0 means that it was not read.
 struct Port {
     std::u16string name;
     std::uint32_t origin = 0;
 };
 
-/// One end of a connection. It holds on to the block, so that it follows a rename.
+/// One end of a connection. It refers to the block, so that it follows a rename.
 struct ConnectionEnd {
     const Block* element = nullptr;  ///< the block, or the enclosing system; null when there is no such one
-    std::u16string elementName;      ///< what the document calls it; kept only where `element` is null
+    std::u16string elementName;      ///< the name in the document, if `element` is null
     std::u16string connector;
 };
 
@@ -45,9 +45,9 @@ struct Connection {
 enum class BlockKind { Component, System };
 
 /// A block of a diagram: a component, or a system with blocks of its own. The outermost system of a
-/// model is one too, but it has no ZID and no handle. Blocks are made, renamed, moved and removed by their
-/// `Model`, which owns them; references stay valid until the model is gone, and a removed block keeps all
-/// that it is. What is done here or there enters no history: that is `EditHistory`'s. Main thread only.
+/// model is a block too, but it has no ZID and no handle. Blocks are created, renamed, moved and removed by
+/// their `Model`, which owns them. References stay valid until the model is destroyed; a removed block keeps
+/// its contents. These operations are not undoable: use `EditHistory` for that. Main thread only.
 class ZM_REFHOST_API Block {
 public:
     Block(const Block&) = delete;
@@ -63,8 +63,8 @@ public:
     /// The path with the model name in front, as it is now; parts joined by "/".
     std::u16string path() const;
 
-    /// The number that names the block within its model, whatever becomes of its path; from 1, in the
-    /// order in which blocks were added, never given twice. 0 for the outermost system.
+    /// The number that identifies the block within its model, independent of its path: from 1, in the order
+    /// of addition, never given twice. 0 for the outermost system.
     std::uint32_t number() const noexcept { return m_number; }
 
     std::uint32_t origin() const noexcept { return m_origin; }  ///< as `Port::origin`
@@ -84,14 +84,14 @@ public:
     void addPort(PortKind kind, std::u16string name, std::uint32_t origin = 0);
     void setPorts(PortKind kind, std::vector<Port> ports);
 
-    /// What a system holds, in document order. A component has neither.
+    /// The blocks and connections of a system, in document order. A component has none.
     const std::vector<std::unique_ptr<Block>>& children() const noexcept { return m_children; }
     Block* child(std::u16string_view name) const;  ///< null when there is none
     const std::vector<Connection>& connections() const noexcept { return m_connections; }
     void addConnection(Connection connection);
     void setConnections(std::vector<Connection> connections);
 
-    /// What the block is set to, by name.
+    /// The values of the block's parameters, by name.
     const std::map<std::u16string, std::u16string>& parameters() const noexcept { return m_parameters; }
     void setParameter(const std::u16string& name, std::u16string value);
     void removeParameter(const std::u16string& name);

@@ -9,7 +9,7 @@
 
 namespace reference_host {
 
-/// What can be active inside a chart: the chart as a whole, a state, or an item of chart data.
+/// The objects of a chart that can be observed: the chart as a whole, a state, or an item of chart data.
 enum class ChartObjectKind { Chart, State, Data };
 
 /// The domain type of a signal that observes an object of this kind: "kw_chart", "kw_state" or

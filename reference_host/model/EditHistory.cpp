@@ -29,7 +29,7 @@ bool hasConnector(const Block& block, const std::u16string& name)
     return has(PortKind::Output) || has(PortKind::Input) || has(PortKind::Other);
 }
 
-/// The connections of a system, without those that end at a connector which the block no longer has.
+/// The connections of a system, without those to a connector that the block no longer has.
 std::vector<Connection> withoutLoose(const Block& system, const Block& block)
 {
     std::vector<Connection> kept = system.connections();
@@ -56,8 +56,8 @@ void checkPort(const Block& block, std::size_t number, std::size_t last)
     }
 }
 
-/// What becomes of the numbers of `count` ports when one is put in at the number; the other way round, when
-/// that one is taken out.
+/// The new numbers of `count` ports when a port is inserted at `number`, and the reverse mapping for its
+/// removal.
 struct OnePort {
     std::vector<int> putIn;
     std::vector<int> takenOut;
@@ -217,7 +217,7 @@ bool EditHistory::undo()
     if (m_done == 0) {
         return false;
     }
-    const Step step = m_steps[m_done - 1];  // a listener may edit
+    const Step step = m_steps[m_done - 1];  // a copy: a listener may edit
     run(step, step.back, m_done - 1);
     return true;
 }

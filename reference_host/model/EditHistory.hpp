@@ -14,8 +14,8 @@
 
 namespace reference_host {
 
-/// Undoing an added block and deleting one are the same to whoever follows a diagram: what is told is what
-/// has become of it, not which way the user got there.
+/// The effect of an edit, an undo or a redo on the diagram. Undoing the addition of a block and deleting it
+/// are the same kind of change.
 enum class ChangeKind {
     BlockAppeared,
     BlockVanished,
@@ -26,7 +26,7 @@ enum class ChangeKind {
     ParameterChanged
 };
 
-/// What has just happened to a diagram.
+/// A change that has just been made to a diagram.
 struct DiagramChange {
     ChangeKind kind;
     Model* model;
@@ -34,15 +34,15 @@ struct DiagramChange {
     std::u16string formerPath{};  ///< the full path of the block, or the name of the model, before
     /// For changed outputs: at old number - 1 the new number, or 0 for a port that was deleted.
     std::vector<int> newNumbers{};
-    std::uint64_t edit = 0;  ///< the edit that was done, undone or redone; no other one has its number
+    std::uint64_t edit = 0;  ///< the unique number of the edit that was done, undone or redone
 };
 
-/// The edits of one model, in order, with undo and redo. Each edit is checked first: one that is refused
-/// leaves everything as it was. A new edit ends what could be redone.
+/// The edits of one model, in order, with undo and redo. Each edit is checked first: a refused edit changes
+/// nothing. A new edit discards the edits that could be redone.
 ///
 /// Undo brings back identity: numbers, ZIDs, handles, the order of blocks and ports, connections. Ports
-/// count from 1. What an edit refuses is a host error: "InvalidBlock" for the outermost system and for a
-/// block that the diagram does not hold, "InvalidPort", "InvalidPortOrder", and what `Model` refuses.
+/// count from 1. A refused edit is a host error: "InvalidBlock" for the outermost system and for a block that
+/// is not part of the diagram, "InvalidPort", "InvalidPortOrder", and the errors of `Model`.
 /// Main thread only.
 class ZM_REFHOST_API EditHistory {
 public:
@@ -56,7 +56,7 @@ public:
     void renameBlock(Block& block, const std::u16string& name);
     void moveBlock(Block& block, Block& system);
 
-    /// Adds an output port before the one that has the number, or at the end with the number after the last.
+    /// Inserts an output port that gets this number; the number after the last appends it.
     void addOutput(Block& block, std::u16string name, std::size_t number);
 
     /// Deletes an output port, and the connections at it.
@@ -70,15 +70,16 @@ public:
 
     void setParameter(Block& block, const std::u16string& name, std::u16string value);
 
-    /// Takes back the last edit, or does it once more; false when there is none.
+    /// Undoes the last edit, or redoes the last undone one; false if there is none.
     bool undo();
     bool redo();
     std::size_t undoCount() const noexcept { return m_done; }
     std::size_t redoCount() const noexcept { return m_steps.size() - m_done; }
 
-    /// Told after every edit, undo and redo, in the order of their coming. What one throws comes out of the
-    /// edit, which is done all the same, when all have been told. What one edits while it is told is told
-    /// when all know of the edit before: a listener may find the diagram further on than what it is told.
+    /// Listeners are called after every edit, undo and redo, in the order of their registration. An exception
+    /// from a listener is rethrown after all listeners ran; the edit is kept. An edit that a listener makes
+    /// is announced after all listeners ran for the previous one, so a listener may see a newer diagram than
+    /// the change describes.
     using Listener = std::function<void(const DiagramChange&)>;
     std::uint64_t addListener(Listener listener);
     void removeListener(std::uint64_t id);

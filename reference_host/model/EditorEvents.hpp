@@ -8,20 +8,20 @@
 
 namespace reference_host {
 
-/// Something that the library told the host about a block, such as "block_param_change".
+/// A notification of the library about a block, such as "block_param_change".
 struct EditorEvent {
     std::u16string name;
     std::u16string blockPath;
 };
 
-/// The events since the process began, or since somebody took them. Main thread only.
+/// The events since the process began or since they were last taken. Main thread only.
 class ZM_REFHOST_API EditorEvents {
 public:
     EditorEvents() = delete;
 
     static const std::vector<EditorEvent>& recorded() noexcept;
 
-    /// Hands out what was recorded and forgets it.
+    /// Returns the events and forgets them.
     static std::vector<EditorEvent> take();
 
     /// The host function "Zelmar.HMI.zmhmi": records an event, given by its name and a block's path. An

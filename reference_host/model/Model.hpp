@@ -18,12 +18,12 @@ namespace reference_host {
 class EditHistory;
 struct ModelSource;
 
-/// A diagram: an outermost system, which bears the model's name, and the blocks in it at every depth.
+/// A diagram: an outermost system, which has the model's name, and the blocks in it at every depth.
 /// Look-ups cost a hash look-up (by path: one a path component), whatever the size of the model.
 ///
-/// Names are any text but the empty one, without "/" and ":", which part paths and ZIDs; two blocks
-/// of one system differ in name. A name that breaks this is a host error ("InvalidName",
-/// "DuplicateName") wherever one is given, and nothing has changed then. Main thread only.
+/// A name is any text that is not empty and has no "/" and no ":", which separate paths and ZIDs. The blocks
+/// of a system have different names. Another name is a host error ("InvalidName", "DuplicateName") and
+/// changes nothing. Main thread only.
 class ZM_REFHOST_API Model {
 public:
     explicit Model(std::u16string name);
@@ -38,7 +38,7 @@ public:
     /// The number of blocks at every depth, the outermost system not counted.
     std::size_t blockCount() const noexcept { return m_byNumber.size(); }
 
-    /// Every block, in the order of the diagram: a system before what it holds.
+    /// Every block in document order, a system before its contents.
     std::vector<Block*> blocks() const;
 
     /// Adds a block at the end of a system of this model and gives it its ZID and handle. A component
@@ -49,19 +49,19 @@ public:
     /// system, is a host error ("InvalidBlock"), here and below.
     void rename(Block& block, std::u16string name);
 
-    /// Puts a block, with all that is in it, at the end of another system of this model, or before the
-    /// child that stands at a position. ZIDs and handles stay; the connections that the block had in
+    /// Moves a block with its contents to the end of another system of this model, or before the child at a
+    /// position. ZIDs and handles stay; the connections that the block had in
     /// its old system are removed. A component as the system is a host error ("InvalidSystem"), a system
     /// inside the block too ("InvalidMove").
     void move(Block& block, Block& system);
     void move(Block& block, Block& system, std::size_t position);
 
-    /// Takes a block out of the diagram, with all that is in it and the connections that it had: no
-    /// look-up finds it, and every other operation refuses it.
+    /// Removes a block from the diagram, with its contents and its connections: no look-up finds it, and
+    /// every other operation refuses it.
     void remove(Block& block);
 
-    /// Puts a removed block back into the system that it was taken from, before the child that stands at
-    /// the position; number and handle are its own again. Connections are not made anew.
+    /// Puts a removed block back into its former system, before the child at the position, with its number
+    /// and handle. Connections are not restored.
     void restore(Block& block, std::size_t position);
 
     /// Whether the block is part of the diagram, the outermost system not counted.
@@ -72,11 +72,10 @@ public:
 
     /// Gives the blocks the numbers that a file has kept, one for each of `blocks()` in that order. A 0, a
     /// number given twice or one above the last is a host error ("InvalidNumber"); nothing has changed then.
-    /// REQUIRES: a model that nobody has edited, or asked for a ZID.
+    /// REQUIRES: no block was edited and no ZID was read yet.
     void setNumbers(const std::vector<std::uint32_t>& numbers, std::uint32_t lastNumber);
 
-    /// The file that the model was read from, for whoever writes it again; null for a model that was made
-    /// otherwise.
+    /// The file that the model was read from, for saving it again; null for other models.
     const std::shared_ptr<const ModelSource>& source() const noexcept { return m_source; }
     void setSource(std::shared_ptr<const ModelSource> source) noexcept { m_source = std::move(source); }
 
@@ -94,10 +93,10 @@ public:
     Block* findByHandle(double handle) const;
 
     /// The observers parameter: one object of class "Zelmar.HMI.ModelObservers", the pair of the model's
-    /// instrumented signals and its streaming clients; null when it is not set. Closing the model ends it.
+    /// instrumented signals and its streaming clients; null when it is not set. Closing the model clears it.
     OwnedValue observers() const;
 
-    /// Sets the parameter to a copy, which refers to the same pair; null and an empty value end it. A
+    /// Sets the parameter to a copy, which refers to the same pair; null and an empty value clear it. A
     /// value that is not of one element is the host error "SignalObserversSetParamNonScalar", one of
     /// another class "SignalObserversSetParamInvalidType"; nothing has changed then.
     void setObservers(const nvArray* value);

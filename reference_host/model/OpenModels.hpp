@@ -12,9 +12,9 @@
 
 namespace reference_host {
 
-/// The models that are open in the process, one of a name. Host functions answer from them. A model is
-/// shared with whoever holds it: closing takes it out of here and leaves it usable, but for its observers
-/// parameter, which ends. Main thread only.
+/// The models that are open in the process, one for each name. Host functions answer from them. Models are
+/// shared: closing removes a model from here and clears its observers parameter; it stays usable for its
+/// other owners. Main thread only.
 class ZM_REFHOST_API OpenModels {
 public:
     OpenModels() = delete;
@@ -22,7 +22,7 @@ public:
     /// Opens a model. A name that is taken is a host error ("ModelAlreadyOpen").
     static void add(std::shared_ptr<Model> model);
 
-    /// Ends the use of the name. A name that no open model has is a host error ("ModelNotOpen").
+    /// Closes a model. A name that no open model has is a host error ("ModelNotOpen").
     static void close(const std::u16string& name);
     static void closeAll() noexcept;
 

@@ -26,8 +26,8 @@ std::shared_ptr<Model> modelOfClient(const nvArray* client)
     return model != nullptr ? model : OpenModels::find(textOf(client, "SourceModel_"));
 }
 
-/// Where the signals of one collection stood when it was last looked through, so that a thousand clients
-/// do not look through it a thousand times. Only a hint: the collection is asked whether it still holds.
+/// A cache of the indices of the signals of one collection, so that a thousand clients do not search it a
+/// thousand times. Each entry is verified before it is used.
 class SignalPlaces {
 public:
     /// The place of a signal; none when the collection lacks it.

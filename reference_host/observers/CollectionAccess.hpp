@@ -8,8 +8,8 @@
 #include <memory>
 #include <string>
 
-// The two collections of a model and their elements as the diagram's host functions use them: through
-// properties and methods, as a script would. Indices are 0-based here.
+// Access to the two collections of a model and their elements through properties and methods, as in a script.
+// Indices are 0-based here.
 
 namespace reference_host {
 
@@ -24,7 +24,7 @@ std::shared_ptr<Model> modelOf(const nvArray* collection);
 
 std::u16string textOf(const nvArray* object, const char* name);
 
-/// Text `place` of a property that holds a cell array of texts; empty when there are not so many.
+/// Text `place` of a property that is a cell array of texts; empty past its end.
 std::u16string textInCells(const nvArray* object, const char* name, std::size_t place);
 
 ZM_REFHOST_API std::size_t elementsIn(const nvArray* collection);
@@ -35,7 +35,7 @@ ZM_REFHOST_API OwnedValue elementAt(const nvArray* collection, std::size_t index
 /// The UUID of a signal.
 std::string signalUUID(const nvArray* signals, std::size_t index);
 
-/// An index as methods take it.
+/// The argument for a 0-based index: a 1-based uint32 scalar.
 ZM_REFHOST_API OwnedValue methodIndex(std::size_t index);
 
 }  // namespace reference_host

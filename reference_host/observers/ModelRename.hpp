@@ -6,10 +6,10 @@
 
 namespace reference_host {
 
-/// Gives an open model another name, as `OpenModels::rename`, and has its observers follow. The streaming
-/// clients are renamed. Instrumented signals cannot be: the observers parameter gets new ones with the
-/// same elements, handles and all, and those that a script still holds keep the old name. A name that is
-/// refused leaves everything as it was. The names are copies: a caller may well pass the model's own.
+/// Renames an open model, as `OpenModels::rename`, with its observers. The streaming clients are renamed.
+/// Instrumented signals cannot be renamed: the observers parameter gets a new collection with the same
+/// elements and handles, and a collection that a script still refers to keeps the old name. A refused name
+/// changes nothing. The names are taken by value, because a caller may pass the model's own name.
 ZM_REFHOST_API void renameModelWithObservers(std::u16string oldName, std::u16string newName);
 
 }  // namespace reference_host

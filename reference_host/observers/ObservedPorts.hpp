@@ -19,15 +19,15 @@ struct ObservedPort {
     std::u16string label{};  ///< the signal's name, else that of the port or chart object
 };
 
-/// What the signals in a model's observers parameter observe, in their order; none without signals.
+/// The observed ports and chart objects of a model, in the order of its signals; none without signals.
 ZM_REFHOST_API std::vector<ObservedPort> observedPorts(const Model& model);
 
-/// The host function "getObservedPorts": what is observed in an open model, one element a signal.
+/// The host function "getObservedPorts": the observed ports of an open model, one element for each signal.
 ///
 ///   input 1    name of the model; one that is not open is a host error ("ModelNotOpen")
 ///   input 2    path of a system, with or without the model name: only what is inside; empty: everything
 ///   input 3    domain type: only signals that have it; empty: any
-///   input 4    at every depth; otherwise only the blocks that the system itself holds
+///   input 4    at every depth; otherwise only the direct children of the system
 ///   input 5    also signals whose block, port or chart object no longer exists
 ///
 /// The ten results are columns of equal length. The fields of an observed port in the library are named

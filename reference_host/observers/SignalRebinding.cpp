@@ -19,7 +19,7 @@ namespace reference_host {
 
 namespace {
 
-/// The UUIDs of the output ports of blocks, asked for once a block.
+/// A cache of the UUIDs of the output ports of blocks.
 class PortUUIDs {
 public:
     const std::vector<std::string>& of(const Block& block)
@@ -50,7 +50,7 @@ int firstNumber(const List& list, IsIt isIt)
     return found == list.end() ? 0 : static_cast<int>(found - list.begin()) + 1;
 }
 
-/// The signal as the rules bind it; none when they lead nowhere.
+/// The signal as bound by the rules; none if no rule applies.
 std::optional<SignalRecord> boundBy(const SignalRecord& signal, PortUUIDs& uuids)
 {
     const SignalPlace place = placeOf(signal);
@@ -106,16 +106,16 @@ void rebind(const nvArray* signals, std::size_t index, const SignalRecord& bound
         set("CachedBlockHandle_", makeDouble(bound.cachedHandle));
         set("CachedPortIdx_", makeDouble(bound.cachedPort));
     }
-    // A signal that passes through an object once has its domain parameters the other way round; to save
-    // a model after an edit and its undo as it was before, it passes through a second one.
+    // Passing through a host object reverses the order of a signal's domain parameters. It passes through a
+    // second one, so that a model that is saved after an edit and its undo is the same as before.
     const OwnedValue between =
         ObjectAccess::construct(signalsClass, {ObjectAccess::getProperty(signals, "Model").get()});
     ObjectAccess::callMethod(between.get(), "add", {signal.get()});
     ObjectAccess::callMethod(signals, "set", {methodIndex(index).get(), elementAt(between.get(), 0).get()});
 }
 
-/// A collection that gives up a signal's place takes the entries of every signal there out of its map. One
-/// that has come to such a place before, or has always been there, has to be entered again.
+/// When a signal leaves a port, the collection drops the map entries of all signals on that port. Signals
+/// that were bound to the port before that step, or have always been there, must be entered again.
 class TakenEntries {
 public:
     void note(const SignalRecord& former, std::size_t step)
@@ -150,7 +150,7 @@ void reportUnbound(const SignalRecord& signal)
     Warnings::report({shown.id(), shown.what()});
 }
 
-/// Replaces every signal by what `bind` makes of it; where that is nothing, the signal is unbound.
+/// Replaces every signal by the result of `bind`; a signal without a result is unbound.
 template <class Bind>
 void bindAnew(const nvArray* signals, bool removeUnbound, Bind bind)
 {

@@ -11,10 +11,10 @@ namespace reference_host {
 
 /// Binds every signal of a collection to the diagram as it is now. The rules, in this order:
 ///
-///   1. UUID and ZID. The block is the one that the signal's ZID names. On it, the port is the one that
+///   1. UUID and ZID. The block is found by the signal's ZID. On it, the port is the one that
 ///      has the signal's UUID in the process's map of block ports, else the one of the signal's number.
 ///   2. Path. Where the ZID leads to no block, the block is the one at the signal's path; the port as in 1.
-///   3. Port name. Where the block has no such port, the port is the one that bears the signal's name.
+///   3. Port name. If the block has no such port, the port with the signal's name is taken.
 ///
 /// A signal on an object of a chart takes its block by ZID, then by path, and keeps the object's number. A
 /// signal that is bound has path, ZID, port number and cached handle and port of what it is bound to; its

@@ -22,7 +22,7 @@ bool isChartDomain(const std::u16string& domainType)
            domainType == chartDomainType(ChartObjectKind::Data);
 }
 
-/// A number that no chart has stands for a text that is none.
+/// The chart object's number; for a text that is not a number, one that no chart has.
 std::uint32_t chartObjectOf(const nvArray* domainParams)
 {
     const std::string text = isEmpty(domainParams) ? std::string() : utf8Text(field(domainParams, 0, "KZID"));

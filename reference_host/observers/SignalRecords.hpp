@@ -13,7 +13,7 @@ namespace reference_host {
 
 inline constexpr const char* signalsClass = "Zelmar.HMI.InstrumentedSignals";
 
-/// What a signal of a collection says about the place that it observes.
+/// The fields of a signal that say which port or chart object it observes.
 struct SignalRecord {
     std::string uuid;
     std::u16string path;  ///< in full

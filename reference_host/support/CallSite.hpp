@@ -6,15 +6,15 @@
 
 namespace reference_host {
 
-/// Where something was made: the boundary operation and the code that called it.
+/// The origin of a value or an error: the boundary operation, and the code that called it.
 struct CallSite {
     const char* operation = nullptr;  ///< null outside every boundary operation
     const void* caller = nullptr;     ///< an address in the calling code; null for host code
 
-    /// The call of this thread that is under way.
+    /// The current call of this thread.
     ZM_REFHOST_API static CallSite current() noexcept;
 
-    /// Makes a call the one under way, and returns the one before, which `leave` brings back.
+    /// Makes `site` the current call and returns the previous one, which `leave` restores.
     ZM_REFHOST_API static CallSite enter(CallSite site) noexcept;
     ZM_REFHOST_API static void leave(CallSite outer) noexcept;
 

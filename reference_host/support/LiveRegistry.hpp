@@ -8,16 +8,15 @@
 
 namespace reference_host {
 
-/// Keeps things that outside code holds by bare pointer: hands them out, lists those that are alive in
-/// the order of their opening, and takes them back. Their memory is never given up, and one that was
-/// taken back waits behind thousands of others before it is handed out again, so that a stale pointer
-/// reads as something that has ended. Things have `serial`, `previous` and `next`, which belong to the
-/// registry; whoever uses it marks what is alive. Used by the host's thread only.
+/// Keeps things that other code refers to by bare pointer: creates them, lists the live ones in the order of
+/// their opening, and takes them back. Their memory is never freed. A closed thing is reused only after
+/// thousands of others, so that a stale pointer is recognised. A thing has the members `serial`, `previous`
+/// and `next`, which belong to the registry; the user of the registry marks live things. Main thread only.
 template <class Thing>
 class LiveRegistry {
 public:
-    /// A thing at the end of the list, with the next serial number. What else it holds is what it held
-    /// when it was taken back.
+    /// Opens a thing at the end of the list, with the next serial number. Its other members keep the values
+    /// that they had when it was closed.
     Thing* open()
     {
         Thing* thing = m_waiting > waitingBeforeReuse ? takeOldest() : takeNew();
@@ -43,7 +42,7 @@ public:
         ++m_waiting;
     }
 
-    /// Where to start a walk along `previous`, from the newest to the oldest that is alive.
+    /// The newest live thing; `previous` leads to the older ones.
     Thing* newest() const noexcept { return m_newest; }
 
     std::uint64_t lastSerial() const noexcept { return m_lastSerial; }

@@ -5,8 +5,8 @@
 
 namespace reference_host {
 
-/// More than any machine has. What is larger is refused without asking the allocator, because one that
-/// checks for errors ends the process where a plain one answers that memory is short.
+/// More than any machine has. Larger requests are refused without asking the allocator: the allocators of
+/// sanitizers abort instead of reporting that memory is short.
 inline constexpr std::size_t largestBlock = std::size_t{1} << 39;
 
 /// The product, or `std::bad_alloc` when no block could hold so many bytes.

@@ -30,7 +30,7 @@ struct Payload;
 /// They check their arguments: a misuse throws a `zmsvException` and is counted by the ledger.
 struct nvArray {
     std::shared_ptr<reference_host::Payload> payload;
-    std::uint64_t serial = 0;  ///< 1, 2, ... in the order of creation; what logs call the value
+    std::uint64_t serial = 0;  ///< 1, 2, ... in the order of creation; the name of the value in logs
     nvArray* previous = nullptr;
     nvArray* next = nullptr;
     reference_host::CallSite madeBy;

@@ -30,14 +30,14 @@ const Cells* cellsOf(const nvArray* value)
     return std::get_if<Cells>(&value->payload->content);
 }
 
-/// Where the field stands in a struct; the number of fields when there is none.
+/// The index of a field among the names of a struct; the number of fields if there is none.
 std::size_t fieldNumber(const Fields& fields, const char* name)
 {
     const auto& names = fields.table->names;
     return static_cast<std::size_t>(std::find(names.begin(), names.end(), name) - names.begin());
 }
 
-/// Refuses a value that cannot pass to the container.
+/// Throws unless the container can take the value.
 void requireStorable(const nvArray* container, const nvArray* value)
 {
     requireOwned(value);
@@ -49,7 +49,7 @@ void requireStorable(const nvArray* container, const nvArray* value)
     }
 }
 
-/// Puts a value that `requireStorable` let pass in its place; what was there before ends.
+/// Puts a storable value into its place and destroys the former one. REQUIRES: `requireStorable`.
 void put(nvArray* container, HeldValue& place, nvArray* value) noexcept
 {
     Payload& payload = *container->payload;
@@ -68,7 +68,7 @@ const Fields& requireFields(const nvArray* value)
     return *fields;
 }
 
-/// The place of a field that is to be filled; the struct no longer shares its data.
+/// The place of a field to be filled. Stops sharing the struct's data.
 HeldValue& fieldPlace(nvArray* value, std::size_t index, std::size_t number, const nvArray* field)
 {
     requireStorable(value, field);

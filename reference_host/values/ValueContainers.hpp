@@ -18,22 +18,22 @@ ZM_REFHOST_API const std::vector<std::string>& fieldNames(const nvArray* value);
 /// element past the end is a host error.
 ZM_REFHOST_API const nvArray* field(const nvArray* value, std::size_t index, const char* name);
 
-/// Fills an unset field. The container holds the value when the operation returns normally; when it
-/// throws, the value ends with its owner. No value stands more than 1000 containers deep: putting one
-/// deeper is a host error, here and in every operation that stores.
+/// Fills an unset field. The container owns the value when the operation returns normally; when it throws,
+/// the value is destroyed. Containers can be nested up to 1000 deep: deeper is a host error, here and in
+/// every operation that stores.
 ZM_REFHOST_API void setField(nvArray* value, std::size_t index, const char* name, OwnedValue field);
 
-/// As `field` and `setField`, by the number of the field, 0-based. One past the end is a host error.
+/// As `field` and `setField`, by the index of the field, 0-based. An index out of range is a host error.
 ZM_REFHOST_API const nvArray* numberedField(const nvArray* value, std::size_t index, std::size_t number);
 ZM_REFHOST_API void setNumberedField(nvArray* value, std::size_t index, std::size_t number, OwnedValue field);
 
-/// As `setField`; what the field held before ends.
+/// As `setField`; the former value of the field is destroyed.
 ZM_REFHOST_API void replaceField(nvArray* value, std::size_t index, const char* name, OwnedValue field);
 
 /// The borrowed value in a cell; null when it is unset, and for null and other classes.
 ZM_REFHOST_API const nvArray* cell(const nvArray* value, std::size_t index);
 
-/// Fills a cell; what it held before ends.
+/// Fills a cell; its former value is destroyed.
 ZM_REFHOST_API void setCell(nvArray* value, std::size_t index, OwnedValue element);
 
 // For the boundary, which takes values by bare pointer: the container owns the value only when the operation
