@@ -1,6 +1,6 @@
 #include "hmi/InstrumentedSignals.hpp"
 
-#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "tests/hmi/LibraryTest.hpp"
 #include "tests/hmi/SignalValues.hpp"
 
@@ -231,7 +231,7 @@ TEST_F(ObservedPortIndex, ReplacingARecordWhosePathHasTheKeyOfTheNewHandleKeepsT
 
 TEST_F(ObservedPortIndex, ACopyFollowsTheRecordsOfTheOriginal)
 {
-    const rh::OwnedValue object = rh::ClassObjects::construct("Zelmar.HMI.InstrumentedSignals");
+    const rh::OwnedValue object = rh::ObjectAccess::construct("Zelmar.HMI.InstrumentedSignals");
     InstrumentedSignals& original = *InstrumentedSignals::getFromNVArray(object.get());
     const SignalSpecificationPtr record =
         makeSignal({.blockPath = u"A", .outputPort = 1, .cachedHandle = 2.5, .cachedPort = 1});

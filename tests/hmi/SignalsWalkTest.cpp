@@ -2,7 +2,7 @@
 
 #include "host/Exceptions.hpp"
 #include "host/Text.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "tests/hmi/LibraryTest.hpp"
 #include "tests/hmi/LiteralSignals.hpp"
@@ -60,7 +60,7 @@ struct Subject {
     std::u16string pathC = u"plant/C\xd800";
     std::vector<InstrumentedSignals::PortNumbers> blocks = {{1.5, u"plant/A", "plant:1", {2, 1}},
                                                             {7.5, u"plant/B", "plant:2", {1, 3}}};
-    rh::OwnedValue collection = rh::ClassObjects::construct("Zelmar.HMI.InstrumentedSignals");
+    rh::OwnedValue collection = rh::ObjectAccess::construct("Zelmar.HMI.InstrumentedSignals");
 };
 
 Subject::Subject()

@@ -2,7 +2,7 @@
 
 #include "editor/SignalEditor.hpp"
 #include "host/Exceptions.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/model/EditHistory.hpp"
 #include "reference_host/model/OpenModels.hpp"
 #include "reference_host/values/ValueMaking.hpp"
@@ -251,7 +251,7 @@ TEST_F(RunTest, SignalThatIsRemovedIsNoChannelAnyMore)
     const auto running = run({}, table());
     EXPECT_TRUE(running->step());
     const rh::OwnedValue first = rh::makeNumber(1.0, nvClassID::UInt32);
-    rh::ClassObjects::callMethod(signals.get(), "remove", {first.get()});
+    rh::ObjectAccess::callMethod(signals.get(), "remove", {first.get()});
     EXPECT_TRUE(running->step());
     EXPECT_TRUE(running->hub().channels().empty());
 }
