@@ -184,3 +184,17 @@ def test_a_program_may_import_the_host_in_a_thread_of_its_own(run):
     program = "import threading; t = threading.Thread(target=lambda: __import__('zmhost')); t.start(); t.join()"
     result = run("-c", program)
     assert (result.returncode, result.stderr) == (0, "")
+
+
+def test_a_value_that_the_library_cannot_use_is_named_by_property_or_argument(signals):
+    with pytest.raises(zmhost.HostError, match=r"Zelmar\.HMI\.InstrumentedSignals\.Persistence: .*got double 5"):
+        signals.Persistence = 5
+    with pytest.raises(zmhost.HostError, match=r"Zelmar\.HMI\.InstrumentedSignals\.add: argument 1: .*got double 5"):
+        signals.add(5)
+    assert signals.Count == 0
+
+
+def test_names_in_messages_cannot_control_a_terminal():
+    with pytest.raises(zmhost.HostError) as error:
+        _zmhost.call_function("\x1b[2J\u202e" + "x" * 500, (), 0)
+    assert str(error.value).isprintable() and len(str(error.value)) < 200
