@@ -2,8 +2,8 @@
 #include "python/DiagramReferences.hpp"
 #include "python/Edge.hpp"
 #include "python/PythonText.hpp"
-#include "recorder/PortNames.hpp"
 #include "reference_host/model/OpenModels.hpp"
+#include "simulation/PortNames.hpp"
 
 #include <pybind11/stl.h>
 
@@ -83,7 +83,7 @@ BlockReference blockAt(const ModelPtr& model, const Text& path)
 
 PortReference outputPortAt(const ModelPtr& model, const std::string& name)
 {
-    const recorder::PortSearch found = recorder::findPort(*model, name);
+    const simulation::PortSearch found = simulation::findPort(*model, name);
     if (!found.port) {
         PyErr_SetObject(PyExc_KeyError, py::str("model {!r} has no output port {!r}: {}")
                                             .format(Text{model->name()}, name, found.reason)

@@ -3,6 +3,7 @@
 #include "reference_host/calls/Journal.hpp"
 #include "reference_host/calls/Warnings.hpp"
 #include "reference_host/support/Ledger.hpp"
+#include "reference_host/values/Value.hpp"
 
 #include <pybind11/stl.h>
 
@@ -44,7 +45,7 @@ void bindLedger(py::module_& module)
              "One line for each thing that was opened after this moment and is open still.");
     module.def("ledger_snapshot", &Ledger::snapshot);
     module.def("ledger_report", &Ledger::report);
-    module.def("live_values", &liveValues);
+    module.def("live_values", &reference_host::liveValues);
     module.def("misuses", &Ledger::misuses);
 }
 
