@@ -1,6 +1,5 @@
 #include "contract/SetUp.hpp"
-#include "reference_host/observers/AlignedBlockPath.hpp"
-#include "reference_host/observers/EditorFunctions.hpp"
+#include "reference_host/observers/AlignedPaths.hpp"
 #include "reference_host/observers/ObserverFunctions.hpp"
 
 /// The reference host as it is at the start of a program that uses it: with its functions by name.
