@@ -166,7 +166,7 @@ void extendBlock(const py::object& block)
         "What the block is set to, by name.");
 }
 
-/// Ends with the script's last word on it, for what it keeps are host values.
+/// Closed explicitly or with its last reference, because it holds host values.
 class ScriptEditor {
 public:
     explicit ScriptEditor(ModelPtr model) : m_editor(std::make_unique<editor::SignalEditor>(std::move(model)))

@@ -21,7 +21,8 @@ using reference_host::OpenModels;
 
 namespace {
 
-/// Tells a script's function of each step. What it raises, and Ctrl-C, ends the work and reaches the script.
+/// Calls a script's function before each step. An exception that it raises, and Ctrl-C, ends the work and
+/// reaches the script.
 FileProgress progressFor(py::function told)
 {
     return [told = std::move(told)](const char* step, std::size_t done, std::size_t total) {
@@ -37,7 +38,7 @@ FileProgress progressFor(py::function told)
     };
 }
 
-/// A warning that Python's filters turn into an error must not leave a model open that nobody has.
+/// A warning that Python's filters turn into an error must not leave a model open that no variable refers to.
 std::shared_ptr<Model> openModel(const std::filesystem::path& file, const py::function& progress)
 {
     std::shared_ptr<Model> opened;

@@ -87,7 +87,7 @@ std::shared_ptr<FileRecordingBlock> makeFileRecording(const PortReference& port,
     });
 }
 
-/// Script variables stand in `zmhost.workspace`.
+/// Script variables are kept in `zmhost.workspace`.
 void setVariable(const std::u16string& name, reference_host::OwnedValue value)
 {
     const py::object workspace = py::module_::import("zmhost._recording").attr("workspace");

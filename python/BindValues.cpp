@@ -28,7 +28,7 @@ HandlePtr handleOf(OwnedValue value)
     return std::make_unique<ValueHandle>(std::move(value));
 }
 
-/// What `wrap` chooses by.
+/// The kind by which `zmhost._values.wrap` chooses the Python class.
 const char* kindOf(const ValueHandle& handle)
 {
     switch (handle.get()->valueClass) {

@@ -3,7 +3,8 @@
 
 #include <pybind11/pybind11.h>
 
-/// What each source adds to the module `zmhost._zmhost`. The package `zmhost` gives it its shape.
+/// Each source adds its classes and functions to the module `zmhost._zmhost`; scripts use the package
+/// `zmhost`.
 namespace zmhost {
 
 void bindValues(pybind11::module_& module);

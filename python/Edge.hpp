@@ -13,8 +13,8 @@
 #include <utility>
 #include <vector>
 
-/// What happens where Python calls the host. Nothing of Python's unwinds native code: warnings and
-/// interrupts that come up inside a call are kept and delivered when the call has returned.
+/// The edge where Python calls the host. Python exceptions do not unwind native code: warnings and interrupts
+/// that occur inside a call are kept and delivered when the call has returned.
 namespace zmhost {
 
 /// A host error that a script's own function raised. At the edge the script gets its exception back.
@@ -50,8 +50,8 @@ public:
     bool isInterrupted() const noexcept { return static_cast<bool>(m_interrupt); }
     const pybind11::object& interruption() const noexcept { return m_interrupt; }
 
-    /// Throws what has to reach Python: the interrupt, else the failure, else a warning that Python's
-    /// filters turn into an error. Issues the other warnings. Does nothing when there is nothing.
+    /// Issues the kept warnings, then throws the interrupt if there is one, else the failure, else a warning
+    /// that Python's filters turned into an error.
     void close(const std::exception_ptr& failure);
 
 private:

@@ -11,7 +11,7 @@ namespace {
 
 const std::thread::id hostThread = std::this_thread::get_id();
 
-/// What pybind11 has as the C function of everything that it binds.
+/// The C function that pybind11 uses for everything that it binds.
 PyCFunctionWithKeywords dispatch = nullptr;
 
 PyObject* dispatchOnHostThread(PyObject* self, PyObject* arguments, PyObject* keywords)

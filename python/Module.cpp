@@ -44,8 +44,8 @@ void endClasses() noexcept
     }
 }
 
-/// Lets go of all that scripts have left behind, so that the ledger shows what others have; returns the
-/// exit code.
+/// Releases everything that scripts have left behind, so that the ledger reports only native code's leaks.
+/// Returns the exit code.
 int shutDown(int exitCode)
 {
     zmhost::removeScriptFunctions();

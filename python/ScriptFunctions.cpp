@@ -25,7 +25,8 @@ namespace {
 
 constexpr const char* catalog = "zmhost:functions";
 
-/// The text of an object, for messages: what UTF-8 cannot hold is escaped. Throws what the object raises.
+/// The text of an object, for messages. Unpaired surrogates are escaped. Throws the exception that the object
+/// raises.
 std::string messageText(py::handle object)
 {
     const auto text = py::reinterpret_steal<py::object>(PyObject_Str(object.ptr()));
@@ -57,7 +58,7 @@ zmsvMessageArgument messageArgument(py::handle argument)
     return messageText(argument);
 }
 
-/// The host error that a script's `HostError` stands for.
+/// The host error that a script's `HostError` describes.
 zmsvMessageId messageIdOf(const py::object& error)
 {
     std::vector<zmsvMessageArgument> arguments;
@@ -86,7 +87,9 @@ zmsvMessageId messageIdOf(const py::object& error)
                       "host function \"" + name + "\" failed: " + type + ": " + text, exception);
 }
 
-/// What has to be no error of the script's own: short memory, and what is no error at all.
+/// Exceptions that must not become host errors of the script: `MemoryError`, and exceptions that are not
+/// errors
+/// (`KeyboardInterrupt`, `SystemExit`).
 void passOnWhatIsNoError(const std::string& name, const py::error_already_set& raised)
 {
     if (raised.matches(PyExc_MemoryError)) {
@@ -131,7 +134,7 @@ void setOutputs(HostFunctionCall& call, const py::object& result)
     }
 }
 
-/// Once a call has been interrupted, what it still asks of the host is refused.
+/// After a call was interrupted, its further calls of script functions are refused.
 void stopWhenInterrupted(const std::string& name)
 {
     const Edge* edge = Edge::current();
@@ -162,7 +165,7 @@ private:
     py::function m_function;
 };
 
-/// What stood under the names that scripts have defined; empty where nothing did.
+/// The functions that scripts have replaced, by name; empty where the name was free.
 std::map<std::string, HostFunction>& replaced()
 {
     static auto& instance = *new std::map<std::string, HostFunction>;

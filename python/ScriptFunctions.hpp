@@ -6,8 +6,8 @@
 #include <string>
 
 /// Host functions that scripts define. The inputs become Python objects as Conversion.hpp says; the
-/// result is the first output, a tuple the first few, and None leaves an output unset. What the function
-/// raises becomes a host error; Ctrl-C and the like stop the call that the script made (see `Edge`).
+/// result is the first output, a tuple the first few, and None leaves an output unset. An exception of the
+/// function becomes a host error; Ctrl-C and the like stop the call that the script made (see `Edge`).
 namespace zmhost {
 
 /// A name that is defined already is a host error unless `replace` is given.

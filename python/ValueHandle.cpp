@@ -49,7 +49,7 @@ void ValueHandle::release() noexcept
     try {
         reference_host::destroyValue(m_value.release());
     } catch (const std::exception&) {
-        // Python is letting go and has nobody to tell; the ledger has counted the misuse.
+        // A destructor must not throw into Python; the ledger has counted the misuse.
         return;
     }
 }

@@ -6,7 +6,7 @@
 namespace zmhost {
 
 /// A host value that Python holds; it ends with its Python object, or in `releaseAll`. Every handle is
-/// used by one thread at a time: whoever holds Python's lock, which native calls do not give up.
+/// used by one thread at a time, the one that holds Python's lock; native calls do not release the lock.
 class ValueHandle {
 public:
     /// REQUIRES: `value` is not null.
@@ -18,8 +18,8 @@ public:
     /// Borrowed. Throws Python's `RuntimeError` after `releaseAll`.
     nvArray* get() const;
 
-    /// Ends the values of all handles, for the end of the program: what Python has not let go of by then
-    /// is no leak of anybody's.
+    /// Destroys the values of all handles at the end of the program, so that values that Python still refers
+    /// to are not reported as leaks.
     static void releaseAll() noexcept;
 
 private:

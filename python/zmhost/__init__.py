@@ -113,7 +113,7 @@ def host_function(name: str, *, replace: bool = False) -> Callable[[_Function], 
 
 
 def remove_host_function(name: str) -> None:
-    """Takes away what `host_function` made; a function that it replaced comes back."""
+    """Removes a function that `host_function` defined; a function that it replaced comes back."""
     if not _zmhost.remove_function(name):
         raise LookupError(f"no script has defined a host function {name!r}")
 
@@ -151,8 +151,8 @@ def __dir__() -> list[str]:
 
 @atexit.register
 def _shut_down() -> None:
-    """Ends what scripts have left behind. What is open then was left open by native code: the program
-    lists it and fails."""
+    """Releases everything that scripts have left behind. Values that are still open were leaked by native code: the
+    program lists them and fails."""
     if _zmhost.shut_down(0) != 0:
         sys.stdout.flush()
         sys.stderr.flush()

@@ -48,14 +48,14 @@ def _print_error(error: BaseException) -> None:
 
 
 def _has_reader() -> bool:
-    """Whether somebody can still read what is printed."""
+    """Whether standard output still has a reader."""
     output = select.poll()
     output.register(STANDARD_OUTPUT, 0)
     return not output.poll(0)
 
 
 def _print_no_more() -> int:
-    """Lets what is still to be printed go nowhere, as nobody reads it; the exit code that says so."""
+    """Discards further output, because standard output has no reader; gives the exit code for that."""
     nowhere = os.open(os.devnull, os.O_WRONLY)
     os.dup2(nowhere, STANDARD_OUTPUT)
     os.close(nowhere)

@@ -42,7 +42,7 @@ def _worded(name: str, function: Any) -> Any:
 
 
 def word_argument_errors(host_class: type) -> None:
-    """Makes every method and settable property of a native class name what was expected and what was given."""
+    """Makes every method and settable property of a native class name the expected and the given arguments."""
     for name, member in list(vars(host_class).items()):
         title = f"{host_class.__name__}.{name}" if name != "__init__" else host_class.__name__
         if isinstance(member, property) and member.fset is not None:

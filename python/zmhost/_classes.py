@@ -115,7 +115,7 @@ class ObjectArray(Sequence[HostObject]):
 
 
 class Namespace:
-    """A namespace of the host. What it holds is looked up when it is asked for."""
+    """A namespace of the host. Its members are looked up on each access."""
 
     __slots__ = ("_name",)
 

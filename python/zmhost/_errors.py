@@ -112,7 +112,7 @@ def _caller_level() -> int:
 def deliver_warnings(
     reported: list[tuple[str, str, str, tuple[Argument, ...]]], error: BaseException | None
 ) -> None:
-    """Issues what the host reported during a call, then raises the call's own error, if any.
+    """Issues the warnings that the host reported during a call, then raises the call's own error, if any.
 
     A warning that the filters turn into an error is raised in its place, or noted on it.
     """

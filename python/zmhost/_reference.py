@@ -1,4 +1,4 @@
-"""Writes the reference of the classes that scripts see, from what is registered with the host.
+"""Writes the reference of the classes that scripts see, from the classes that are registered with the host.
 
     python3 -m zmhost._reference > FILE
 """
@@ -18,7 +18,7 @@ def _cell(text: str) -> str:
 
 
 def _sentence(member: Any) -> str:
-    """The last paragraph of the help, which says what a method does; the first line is its signature."""
+    """The last paragraph of the help, which describes the method; the first line is its signature."""
     paragraphs = (inspect.getdoc(member) or "").split("\n\n")
     return paragraphs[-1] if len(paragraphs) > 1 else ""
 

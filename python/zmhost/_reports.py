@@ -1,4 +1,4 @@
-"""What the host tells about itself: its ledger, its warnings, the journal of its calls."""
+"""Reports of the host about itself: its ledger, its warnings, the journal of its calls."""
 
 from __future__ import annotations
 
@@ -9,7 +9,7 @@ from zmhost import _zmhost
 
 
 class Ledger:
-    """What the host has open at one moment. `print(zmhost.ledger())` lists it."""
+    """The values and objects that the host has open at one moment. `print(zmhost.ledger())` lists it."""
 
     def __init__(self) -> None:
         self._snapshot = _zmhost.ledger_snapshot()
@@ -29,7 +29,7 @@ class Ledger:
 
 
 def ledger() -> Ledger:
-    """What the host has open now."""
+    """The values and objects that the host has open now."""
     return Ledger()
 
 

@@ -1,4 +1,4 @@
-"""What Python expects of a collection, for host classes that have "Count" and "get" (1-based)."""
+"""The methods that Python expects of a sequence, for host classes that have "Count" and "get" (1-based)."""
 
 from __future__ import annotations
 

@@ -1,4 +1,4 @@
-"""The extension module. Scripts use the package, which shows what they need of it."""
+"""The extension module. Scripts use the package `zmhost`."""
 
 import enum
 import os
@@ -283,7 +283,7 @@ class VariableRecording(Recording):
     def max_points(self) -> str: ...
 
 class RecordedTable:
-    """What a simulation gave, row by row."""
+    """The result of a simulation, row by row."""
 
     def __init__(self, times: list[float], headers: list[str], columns: list[list[float]]) -> None: ...
     @staticmethod

@@ -1,4 +1,4 @@
-"""What a host's editor does with the library while a person edits a diagram.
+"""The part of a host's editor that uses the library while a person edits a diagram.
 
     with zmhost.open_model("diagram.ssd") as model, zmhost.editor.Editor(model) as editor:
         model.observers = zmhost.call(

@@ -16,7 +16,7 @@ namespace rh = reference_host;
 
 class HostErrorsTest : public zm_hmi::LibraryTest {};
 
-/// What is thrown.
+/// The exception that the function throws.
 template <class Action>
 zmsvException thrownBy(Action action)
 {

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-// A host whose throwing operation returns: this definition stands before that of the host that is linked.
+// A host whose throwing operation returns: this definition takes precedence over the linked host's.
 void zmsvThrowIExceptionFromDiagnostic(zmsvDiagnostic* diagnostic, const char* /*context*/)
 {
     zmsvDiscardDiagnostic(diagnostic);

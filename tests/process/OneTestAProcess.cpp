@@ -2,7 +2,7 @@
 
 namespace {
 
-/// Tests of what a process does once need a process each, which CTest gives them.
+/// Tests of once-per-process behaviour need a process each; CTest starts one for each test.
 class OneTestAProcess : public testing::Environment {
 public:
     void SetUp() override

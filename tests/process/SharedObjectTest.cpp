@@ -177,13 +177,13 @@ constexpr int loadedAllTheSame = 78;
         mount("none", "/dev", "tmpfs", 0, nullptr) != 0 || access("/dev/urandom", F_OK) == 0) {
         _exit(notPermitted);
     }
-    // Its declaration promises not to throw, which compilers rely on; what is thrown must not get past us.
+    // Its declaration promises not to throw, which compilers rely on; exceptions must not leave it.
     void* (*volatile load)(const char*, int) = dlopen;
     load(ZM_LIBRARY_FILE, RTLD_NOW | RTLD_LOCAL);
     _exit(loadedAllTheSame);
 }
 
-/// The child's end, as `waitpid` has it, and what it wrote.
+/// The child's exit status, as `waitpid` reports it, and its output.
 std::pair<int, std::string> endOfChildWithoutRandomDevice()
 {
     int ends[2];

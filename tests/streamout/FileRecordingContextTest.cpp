@@ -59,12 +59,12 @@ EveryThird contextFor(const std::u16string& filePath)
     return {filePath, u"plant", "domain", u"plant/Record", {}};
 }
 
-/// Keeps a journal of what the context asks of the host.
+/// Keeps a journal of the host operations that the context calls.
 class FileRecordingContextTest : public reference_host::HostTest {
 protected:
     FileRecordingContextTest() { reference_host::Journal::startRecording(); }
 
-    /// What the context asked of the host, each call as a line.
+    /// The host operations that the context called, one line each.
     static std::vector<std::string> hostCalls()
     {
         std::vector<std::string> calls;

@@ -54,7 +54,7 @@ private:
 
 using BlockPtr = std::shared_ptr<Block>;
 
-/// What a registry holds, as one thread would work it out.
+/// The expected content of a registry, computed by one thread.
 class Model {
 public:
     void apply(Change change, const Block* block)
@@ -274,7 +274,7 @@ TEST(StreamOutBlockRegistryThreads, ContextsThatCallBackAtTheirEndBlockNoOtherTh
     for (std::size_t thread = 0; thread < threadCount; ++thread) {
         threads.emplace_back([&] {
             for (std::size_t i = 0; i < contextsPerThread; ++i) {
-                // Few identifiers: a thread often takes away what another one entered.
+                // Few identifiers: a thread often removes an entry of another one.
                 const std::string id = std::to_string(i % 3);
                 registry.registerBlock(std::make_shared<LookingBack>(registry, id, ended));
                 for (const auto& block : registry.getRegisteredBlocks()) {

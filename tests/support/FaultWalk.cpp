@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::uint64_t mostCalls = 100000;  // a body that never gets through would walk for ever
 
-/// What the body threw; empty when it returned.
+/// The exception that the body threw; null when it returned.
 std::string run(const std::function<void()>& body)
 {
     try {

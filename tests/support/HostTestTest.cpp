@@ -14,7 +14,7 @@ namespace {
 
 using reference_host::HostTest;
 
-/// A test within the test, which does what it is given.
+/// A test within the test; its body is a function.
 class InnerTest : public HostTest {
 public:
     explicit InnerTest(const std::function<void()>& body) { body(); }

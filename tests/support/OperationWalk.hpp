@@ -66,7 +66,7 @@ struct Outcome {
 /// Runs the body; catches host exceptions, and adds a test failure for any other exception.
 Outcome runBody(const std::function<std::string()>& body, bool isExported, const std::string& where);
 
-/// Adds a test failure for whatever was left open.
+/// Adds a test failure for each value, diagnostic or object that was left open.
 void expectClosed(const reference_host::Ledger::Snapshot& snapshot, const std::string& where);
 
 inline constexpr std::size_t mostOccasions =
