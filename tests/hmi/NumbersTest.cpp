@@ -5,6 +5,7 @@
 #include <boost/lexical_cast.hpp>
 
 #include <bit>
+#include <cmath>
 #include <cstdint>
 #include <limits>
 #include <string>
@@ -44,6 +45,28 @@ TEST(NumberText, SignificantDigitsTurnToAnExponentAsPrintfDoes)
     EXPECT_EQ(significant17(1e17), "1e+17");
     EXPECT_EQ(significant17(0.0001), "0.0001");
     EXPECT_EQ(significant17(0.00001), "1.0000000000000001e-05");
+}
+
+TEST(NumberText, SignificantDigitsAreRoundedToEven)
+{
+    EXPECT_EQ(significant17(562949953421312.125), "562949953421312.12") << "halfway, down to even";
+    EXPECT_EQ(significant17(562949953421312.375), "562949953421312.38") << "halfway, up to even";
+    EXPECT_EQ(significant17(9.9999999999999999), "10");
+    EXPECT_EQ(significant17(9007199254740991.5), "9007199254740992");
+    EXPECT_EQ(significant17(1.0), "1");
+    EXPECT_EQ(significant17(100000000.00000001), "100000000.00000001");
+}
+
+// Most handles are in this range, which has a conversion of its own.
+RC_GTEST_PROP(NumberTextProperties, SignificantDigitsOfHandlesAreThoseOfLexicalCast, (std::uint64_t bits))
+{
+    const int exponent = static_cast<int>(bits % 58);
+    const double random = std::ldexp(1.0 + static_cast<double>(bits >> 11) / 9007199254740992.0, exponent);
+    const double grid = static_cast<double>(bits >> 24) / 4096.0;
+    const double decimal = static_cast<double>(bits >> 40) / 1000.0;
+    for (const double value : {random, grid, decimal, std::nextafter(grid, 0.0), std::floor(random)}) {
+        RC_ASSERT(significant17(value) == boost::lexical_cast<std::string>(value));
+    }
 }
 
 TEST(NumberText, ZeroKeepsItsSign)

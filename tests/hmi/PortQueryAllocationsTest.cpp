@@ -1,9 +1,9 @@
 #include "hmi/InstrumentedSignals.hpp"
 
 #include "host/Text.hpp"
-#include "tests/support/CountingNew.hpp"
 #include "tests/hmi/LibraryTest.hpp"
 #include "tests/hmi/SignalValues.hpp"
+#include "tests/support/CountingNew.hpp"
 
 #include <gtest/gtest.h>
 
@@ -71,31 +71,33 @@ TEST_F(PortQueryAllocations, FullQueryAllocatesNothingWhereTheHandleDecides)
     EXPECT_EQ(allocationsOf([&] { m_signals.isPortObserved(42.1, m_path, u"", 42, 42, 0); }), 0U);
 }
 
-TEST_F(PortQueryAllocations, FullQueryAllocatesOnlyTheConvertedTexts)
+TEST_F(PortQueryAllocations, FullQueryAllocatesNothingWhereThePathDecides)
 {
     const std::u16string subPath;
-    const std::size_t conversions = allocationsOf([&] {
-        toUtf8(m_signals.getModelName());
-        toUtf8(m_path);
-        toUtf8(subPath);
-    });
+    const std::u16string unknown = m_path + u"2";
     bool found = false;
-    EXPECT_LE(allocationsOf([&] { found = m_signals.isPortObserved(0.5, m_path, subPath, 42, 0, 0); }),
-              conversions);
+    EXPECT_EQ(allocationsOf([&] { found = m_signals.isPortObserved(0.5, m_path, subPath, 42, 0, 0); }), 0U);
     EXPECT_TRUE(found);
+    EXPECT_EQ(allocationsOf([&] { found = m_signals.isPortObserved(0.5, unknown, subPath, 42, 42, 0); }), 0U);
+    EXPECT_FALSE(found);
 }
 
-TEST_F(PortQueryAllocations, FullQueryAllocatesOnlyTheConvertedTextsWhereItFindsNothing)
+TEST_F(PortQueryAllocations, NonCachedHashAllocatesNothingForWellFormedText)
+{
+    const std::u16string ascii(300, u'a');
+    const std::u16string cyrillic(300, u'\u0416');
+    const std::u16string none;
+    EXPECT_EQ(allocationsOf([&] { SignalSpecification::getNonCachedInfoHash(ascii, none, 1, 0, cyrillic); }),
+              0U);
+}
+
+TEST_F(PortQueryAllocations, FullQueryOfIllFormedTextAllocatesOnlyTheConvertedText)
 {
     const std::u16string subPath;
-    const std::u16string path = m_path + u"2";
-    const std::size_t conversions = allocationsOf([&] {
-        toUtf8(m_signals.getModelName());
-        toUtf8(path);
-        toUtf8(subPath);
-    });
+    const std::u16string illFormed = m_path + u"\xd800";
+    const std::size_t conversions = allocationsOf([&] { toUtf8(illFormed); });
     bool found = true;
-    EXPECT_LE(allocationsOf([&] { found = m_signals.isPortObserved(0.5, path, subPath, 42, 42, 0); }),
+    EXPECT_LE(allocationsOf([&] { found = m_signals.isPortObserved(0.5, illFormed, subPath, 42, 42, 0); }),
               conversions);
     EXPECT_FALSE(found);
 }

@@ -135,6 +135,51 @@ TEST(NonCachedInfoHash, IsOfUtf8)
                       "chs/\xc3\x84/\xf0\x9f\x8c\xbf$$\xc3\x9f$$1"));
 }
 
+// ---- conversion in place ------------------------------------------------------------------------
+
+std::size_t keyOfPath(const std::u16string& path)
+{
+    return Record::getNonCachedInfoHash(path, u"", 1, 0, u"");
+}
+
+TEST(NonCachedInfoHash, ConvertsEveryCodeUnitAsTheHostDoes)
+{
+    for (unsigned unit = 0; unit <= 0xffff; ++unit) {
+        for (const std::u16string& before :
+             {std::u16string(), std::u16string(u"ab"), std::u16string(u"abcde")}) {
+            const std::u16string path = before + static_cast<char16_t>(unit) + u"xyz";
+            ASSERT_EQ(keyOfPath(path), keyHash(toUtf8(path) + "$$$$1")) << unit;
+        }
+    }
+}
+
+TEST(NonCachedInfoHash, ConvertsSurrogatesAsTheHostDoes)
+{
+    const std::u16string units = u"\xd7ff\xd800\xdbff\xdc00\xdfff\xe000";
+    for (const char16_t first : units) {
+        for (const char16_t second : units) {
+            for (const char16_t third : units + u'a') {
+                const std::u16string path{first, second, third};
+                ASSERT_EQ(keyOfPath(path), keyHash(toUtf8(path) + "$$$$1"));
+            }
+        }
+    }
+    for (char32_t point = 0x10000; point <= 0x10ffff; point += 0x101) {
+        const std::u16string path{static_cast<char16_t>(0xd800 + ((point - 0x10000) >> 10)),
+                                  static_cast<char16_t>(0xdc00 + ((point - 0x10000) & 0x3ff))};
+        ASSERT_EQ(keyOfPath(path), keyHash(toUtf8(path) + "$$$$1"));
+    }
+}
+
+RC_GTEST_PROP(KeyHashProperties, OfAPathIsThatOfItsText,
+              (const std::u16string& model, const std::u16string& path, const std::u16string& subPath,
+               int port))
+{
+    const std::string prefix = model.empty() ? "" : toUtf8(model) + "/";
+    RC_ASSERT(Record::getNonCachedInfoHash(path, subPath, port, 0, model) ==
+              keyHash(prefix + toUtf8(path) + "$$" + toUtf8(subPath) + "$$" + std::to_string(port)));
+}
+
 TEST(NonCachedInfoHash, HoldsForPathsBeyondTheOrdinaryLength)
 {
     const std::u16string longPath(5000, u'x');
