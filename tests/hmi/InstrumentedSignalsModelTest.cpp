@@ -36,14 +36,17 @@ private:
 };
 
 // Small pools, so that the same ports come up again and again; two paths have the same key and one has the
-// key 0, and so has one handle with one port.
-const std::vector<std::u16string> pathPool = {u"A", u"m/A", u"Gain", u"zsvaRe0ZzMma", u"M73TK7FOsLMa"};
+// key 0, and so has one handle with one port. The last four paths have the keys of handles: 281070 port
+// 1, 2.5 port 1, 0.0 port 0, -0.0 port 0. One path is not well-formed.
+const std::vector<std::u16string> pathPool = {
+    u"A",       u"m/A",          u"Gain",         u"zsvaRe0ZzMma", u"M73TK7FOsLMa",
+    u"A\xd800", u"XNfIbdwOACHD", u"UFTxm7I8a3Yd", u"5OA3BRH26Ril", u"7Jr74jka0MVr"};
 const std::vector<std::u16string> subPathPool = {u"", u"", u"x"};
 const std::vector<std::u16string> modelPool = {u"", u"", u"m"};
 const std::vector<int> portPool = {1, 1, 1, 0, 2};
 const std::vector<int> logicalPool = {0, 0, 1, 2, -1};
 const std::vector<double> handlePool = {
-    0.0, 1.5, 2.5, -0.0, std::numeric_limits<double>::quiet_NaN(), 1.6122492007444271};
+    0.0, 1.5, 2.5, -0.0, 281070.0, std::numeric_limits<double>::quiet_NaN(), 1.6122492007444271};
 const std::vector<int> cachedPortPool = {0, 0, 1, 2, 2145007537};
 const std::vector<std::string> zidPool = {"1", "12", "m:1"};
 const std::vector<std::u16string> kzidPool = {u"2", u"12", u"0.5"};
@@ -209,7 +212,7 @@ const SideBySide::Twin& SideBySide::twinOf(const LiteralSignals::Record& values)
                          [&](const Twin& twin) { return twin.values == values; });
 }
 
-// Which of the candidates the collection has bound: exactly one.
+// Which of the candidates the collection has bound.
 LiteralSignals::Record SideBySide::boundOf(const std::vector<LiteralSignals::Record>& candidates,
                                            int portNumber) const
 {
@@ -221,6 +224,7 @@ LiteralSignals::Record SideBySide::boundOf(const std::vector<LiteralSignals::Rec
         }
     }
     RC_ASSERT(bound.size() == 1U);
+    RC_ASSERT(bound.front() == candidates.back());  // the one that was entered last
     return bound.front();
 }
 

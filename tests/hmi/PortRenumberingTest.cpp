@@ -7,6 +7,7 @@
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"
 #include "tests/hmi/LibraryTest.hpp"
+#include "tests/hmi/RebindingAccess.hpp"
 #include "tests/hmi/SignalValues.hpp"
 #include "tests/support/FaultWalk.hpp"
 
@@ -561,6 +562,27 @@ RC_GTEST_FIXTURE_PROP(PortRenumbering, DoesWhatTheStepsDoOneAfterTheOther, ())
     pair.compareOrder();
 }
 
+RC_GTEST_FIXTURE_PROP(PortRenumbering, OfSeveralBlocksIsThatOfOneAfterTheOther, ())
+{
+    Pair pair;
+    pair.fill(*rc::gen::element<std::u16string>(u"m", u""));
+    std::vector<InstrumentedSignals::PortNumbers> blocks;
+    const int count = *rc::gen::inRange(0, 5);
+    for (int i = 0; i < count; ++i) {
+        blocks.push_back({*rc::gen::element(2.5, 1.5, 0.0, -0.0, std::numeric_limits<double>::quiet_NaN()),
+                          *rc::gen::element<std::u16string>(u"m/A", u"A", u"m/Gain", u"M73TK7FOsLMa"),
+                          *rc::gen::element<std::string>("m:1", "2", "m:9", ""),
+                          *rc::gen::container<std::vector<int>>(rc::gen::element(0, 1, 1, 2, 3, 4, 7, -1))});
+    }
+    pair.shortWay.renumberPorts(blocks);
+    for (const auto& [handle, path, zid, numbers] : blocks) {
+        renumberStepByStep(pair.literal, handle, path, zid, numbers);
+    }
+    pair.compareElements();
+    pair.compareLookups();
+    pair.compareOrder();
+}
+
 // ---- rebinding ------------------------------------------------------------------------------------------
 
 /// The host function in place of the one that rebinds; keeps what it was given.
@@ -644,6 +666,49 @@ TEST_F(Rebinding, AValueWithoutACollectionIsPassedOnAndNothingIsReset)
     }
     EXPECT_EQ(calls.size(), 4U);
     EXPECT_TRUE(rh::Warnings::reported().empty());
+}
+
+TEST_F(Rebinding, NoRebindingIsPendingAfterwards)
+{
+    bool& pending = RebindingAccess::pending(*InstrumentedSignals::getFromNVArray(object.get()));
+    pending = true;
+    InstrumentedSignals::applyRebindingRules(object.get(), true);
+    EXPECT_FALSE(pending);
+    pending = true;
+    const rh::ScopedHostFunction failing("applyRebindingRules", fail);
+    InstrumentedSignals::applyRebindingRules(object.get(), true);
+    EXPECT_FALSE(pending);
+}
+
+TEST_F(Rebinding, NoRebindingIsPendingAfterShortMemory)
+{
+    bool& pending = RebindingAccess::pending(*InstrumentedSignals::getFromNVArray(object.get()));
+    rh::walkFaults(rh::Faults::anyOperation, rh::FaultKind::OutOfMemory, [&] {
+        pending = true;
+        try {
+            InstrumentedSignals::applyRebindingRules(object.get(), true);
+        } catch (...) {
+            EXPECT_FALSE(pending);
+            throw;
+        }
+        EXPECT_FALSE(pending);
+    });
+}
+
+TEST_F(Rebinding, OfTwoObjectsTheFirstIsTaken)
+{
+    const rh::OwnedValue second = rh::ClassObjects::construct("Zelmar.HMI.InstrumentedSignals");
+    const rh::OwnedValue both = rh::ClassObjects::makeObjectArray(
+        "Zelmar.HMI.InstrumentedSignals",
+        {rh::objects(object.get()).front(), rh::objects(second.get()).front()});
+    bool& ofFirst = RebindingAccess::pending(*InstrumentedSignals::getFromNVArray(object.get()));
+    bool& ofSecond = RebindingAccess::pending(*InstrumentedSignals::getFromNVArray(second.get()));
+    ofFirst = true;
+    ofSecond = true;
+    InstrumentedSignals::applyRebindingRules(both.get(), true);
+    EXPECT_EQ(calls.size(), 1U);
+    EXPECT_FALSE(ofFirst);
+    EXPECT_TRUE(ofSecond);
 }
 
 TEST_F(Rebinding, EverythingIsFreedWhenAnOperationFails)

@@ -5,10 +5,10 @@
 #include "host/OwnedArray.hpp"
 #include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/support/Ledger.hpp"
-#include "tests/support/CountingNew.hpp"
 #include "tests/hmi/LibraryTest.hpp"
 #include "tests/hmi/SignalValues.hpp"
 #include "tests/hmi_foundation/bindings/RecordingClass.hpp"
+#include "tests/support/CountingNew.hpp"
 
 #include <gtest/gtest.h>
 
