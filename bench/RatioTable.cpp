@@ -45,8 +45,11 @@ void RatioTable::ReportRuns(const std::vector<Run>& runs)
             m_order.push_back(key);
         }
         const auto items = run.counters.find("signals");
+        // The time of the processor: other work on the machine disturbs it less.
+        const double time =
+            run.run_name.time_type.empty() ? run.GetAdjustedCPUTime() : run.GetAdjustedRealTime();
         m_rows[key][name.substr(slash + 1)] =
-            run.GetAdjustedRealTime() / (items == run.counters.end() ? 1.0 : items->second.value);
+            time / (items == run.counters.end() ? 1.0 : items->second.value);
     }
 }
 
