@@ -25,8 +25,12 @@ endif()
 
 # Every target of our own gets these. An unresolved symbol is an error already when a shared object
 # is linked; clang's sanitizer runtimes, which are resolved by the executable, are the exception.
+option(ZM_WARNINGS_AS_ERRORS "Stop at a compiler's warning" ${PROJECT_IS_TOP_LEVEL})
 function(zm_target target)
-    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+    if(ZM_WARNINGS_AS_ERRORS)
+        target_compile_options(${target} PRIVATE -Werror)
+    endif()
     get_target_property(type ${target} TYPE)
     if(type STREQUAL "SHARED_LIBRARY" AND NOT ZM_SANITIZE)
         target_link_options(${target} PRIVATE -Wl,--no-undefined)

@@ -206,10 +206,15 @@ def main(verb: str, folder: str) -> int:
         for each in operations:
             print(each.name, " ".join(f"[{tag}]" for tag in each.tags), f"{each.header}:{each.line}", sep="\t")
         return 0
-    untagged = [each for each in operations if not each.tags and each.kind not in ("constructor", "destructor")]
-    for each in untagged:
-        print(f"{each.header}:{each.line}: {each.name} has no tag")
-    return 1 if untagged else 0
+    special = ("constructor", "destructor")
+    wrong = {each.name: "has no tag" for each in operations
+             if not each.tags and each.kind not in special and each.own_name != "operator="}
+    wrong |= {each.name: "is noexcept, and tagged [throws]" for each in operations
+              if each.is_noexcept and "throws" in each.tags}
+    for each in operations:
+        if each.name in wrong:
+            print(f"{each.header}:{each.line}: {each.name} {wrong[each.name]}")
+    return 1 if wrong else 0
 
 
 if __name__ == "__main__":

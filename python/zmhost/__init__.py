@@ -25,7 +25,7 @@ import sys
 from collections.abc import Callable
 from typing import TYPE_CHECKING, Any, TypeVar
 
-from zmhost import _classes, _library, _zmhost, editor, faults
+from zmhost import _classes, _library, _location, _zmhost, editor, faults
 from zmhost._argument_errors import word_argument_errors
 from zmhost._classes import HostObject, Namespace, ObjectArray
 from zmhost._files import open_model
@@ -39,6 +39,8 @@ from zmhost._zmhost import active_recordings, models
 
 if TYPE_CHECKING:
     from zmhost import _zelmar as Zelmar
+
+__version__ = _location.VERSION
 
 __all__ = [
     "Block",

@@ -10,7 +10,7 @@ from pathlib import Path
 
 from zmhost import _location, _zmhost
 
-FILE_NAME = "libzm_hmi_foundation.so"
+FILE_NAME = _location.LIBRARY_FILE
 ENTRY_POINT = "NVInitialize_zm_hmi_foundation"
 
 _loaded = False
