@@ -71,8 +71,8 @@ ZM_HOST_API nvArray* nvCreateDeepCopy(const nvArray* value);
 /// [owned] [throws] [null ok] A copy that shares the data until either side is written; null of null.
 ZM_HOST_API nvArray* nvCreateSharedDataCopy(const nvArray* value);
 
-/// [consumed: value] [null ok] Ends an owned value; null is ignored. Does not fail for a value that is
-/// owned. A value that a container holds, or that was destroyed before, is a misuse, which a strict
+/// [consumed: value] [throws] [null ok] Ends an owned value; null is ignored. Does not fail for a value
+/// that is owned. A value that a container holds, or that was destroyed before, is a misuse, which a strict
 /// host answers with a `zmsvException`.
 ZM_HOST_API void nvDestroyArray(nvArray* value);
 

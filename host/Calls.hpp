@@ -20,14 +20,14 @@ struct zmsvDiagnostic;
 ZM_HOST_API void zmsvFEVAL(int outputCount, nvArray** outputs, int inputCount, const nvArray* const* inputs,
                            const char* functionName);
 
-/// [owned: outputs, result] As `zmsvFEVAL`, but a failure of the called function comes back as a
+/// [owned: outputs, result] [throws] As `zmsvFEVAL`, but a failure of the called function comes back as a
 /// diagnostic; null on success. The library passes true for `flag` and no exception slot. Only short
 /// memory at the call itself still throws.
 ZM_HOST_API zmsvDiagnostic* zmsvFEVAL_NoThrow(int outputCount, nvArray** outputs, int inputCount,
                                               const nvArray* const* inputs, const char* functionName,
                                               bool flag, nvArray** exceptionSlot = nullptr);
 
-/// [owned: outputs, result] As above with an opaque context, which may be null.
+/// [owned: outputs, result] [throws] As above with an opaque context, which may be null.
 ZM_HOST_API zmsvDiagnostic* zmsvFEVAL_NoThrow(int outputCount, nvArray** outputs, int inputCount,
                                               const nvArray* const* inputs, const char* functionName,
                                               void* context, bool flag, nvArray** exceptionSlot = nullptr);

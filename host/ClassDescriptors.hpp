@@ -24,8 +24,9 @@ public:
     /// [owned] [throws] A signature without inputs and outputs.
     static COSMethodSignature* createMethodSignature();
 
-    /// [throws] Appends the next input or output. A null type is a host error.
+    /// [throws] Appends the next input. A null type is a host error.
     virtual void addInput(const COSType* type) = 0;
+    /// [throws] As `addInput`, for the outputs.
     virtual void addOutput(const COSType* type) = 0;
 
     /// [throws] The last `count` inputs may be left out. More than there are is a host error.
@@ -44,7 +45,7 @@ public:
     COSMethodInfo& operator=(const COSMethodInfo&) = delete;
     virtual ~COSMethodInfo();
 
-    /// [borrowed] The name, null-terminated; null when there is none.
+    /// [borrowed] [no-throw] The name, null-terminated; null when there is none.
     virtual const char* getName() const noexcept;
 
     /// [throws] Runs the method. Inputs come converted to the signature's types; `inputCount` says how
@@ -54,7 +55,7 @@ public:
     virtual void invoke(const COSClient* client, int& outputCount, COSValue* outputs, int inputCount,
                         const COSValue* inputs) const = 0;
 
-    /// [borrowed] The signature; null while there is none.
+    /// [borrowed] [no-throw] The signature; null while there is none.
     virtual const COSMethodSignature* getSignature() const noexcept = 0;
 
 private:
@@ -74,15 +75,21 @@ public:
     COSPropInfo& operator=(const COSPropInfo&) = delete;
     virtual ~COSPropInfo();
 
+    /// [borrowed] [no-throw] The name, null-terminated.
     virtual const char* getName() const noexcept = 0;
+    /// [borrowed] [throws] The type of the value.
     virtual const COSType* getType() const = 0;
-    virtual int getAccess() const noexcept = 0;  ///< a `COSPropAccess`
+    /// [no-throw] A `COSPropAccess`.
+    virtual int getAccess() const noexcept = 0;
+    /// [no-throw] The version that the property came with.
     virtual double getVersion() const noexcept = 0;
 
     /// [throws] The value for one instance. The host calls `releaseValue` with it exactly once, when
     /// it has read it.
     virtual COSValue getValue(COSInterface* instance) = 0;
+    /// [throws] Assigns a value, which is borrowed for the call.
     virtual void setValue(COSInterface* instance, COSValue value) = 0;
+    /// [consumed: value] [throws] Takes back what `getValue` returned.
     virtual void releaseValue(COSInterface* instance, COSValue value) = 0;
 
 protected:
@@ -97,22 +104,32 @@ public:
     COSClassInfo& operator=(const COSClassInfo&) = delete;
     virtual ~COSClassInfo();
 
-    /// The name within the namespace.
+    /// [borrowed] [no-throw] The name within the namespace.
     virtual const char* getClassName() const noexcept = 0;
+    /// [throws] Adds properties and methods.
     virtual void initializeClass(COSClass* cosClass, const COSClient* client) = 0;
     /// [throws] The native data of a new instance; the class's constructor method runs afterwards.
     virtual void* allocateInstance(COSInterface* instance) = 0;
+    /// [consumed: data] [no-throw] Ends the native data of an instance.
     virtual void deallocateInstance(COSInterface* instance, void* data) = 0;
 
     // Operations that most classes leave at their defaults: nothing is loaded, saved or copied
     // specially, an instance has no children, any class may contain any other, no name is reserved.
+    /// [throws] Whether it has loaded the stored value.
     virtual bool customLoad(COSInterface* instance, const nvArray* stored);
+    /// [owned] [throws] The value to store; null for none.
     virtual nvArray* customSave(const COSInterface* instance) const;
+    /// [throws] Called when an instance was loaded.
     virtual void instanceLoaded(COSInterface* instance);
+    /// [owned] [throws] The native data of a copy; null for none.
     virtual void* copyData(const COSInterface* instance, const void* data) const;
+    /// [throws] The number of children.
     virtual std::size_t getChildrenOfInstance(const COSInterface* instance) const;
+    /// [throws] Whether instances of another class may contain instances of this one.
     virtual bool canOtherClassContainThisClass(const COSClass* other) const;
+    /// [throws] Whether instances of this class may contain instances of another.
     virtual bool canThisClassContainOtherClass(const COSClass* other) const;
+    /// [throws] Whether no property may have that name.
     virtual bool isPropertyNameReservedByThisClass(const char* name) const;
 
 protected:
@@ -147,14 +164,19 @@ public:
     COSNamespaceInfo& operator=(const COSNamespaceInfo&) = delete;
     virtual ~COSNamespaceInfo();
 
-    /// The name within the enclosing namespace.
+    /// [borrowed] [no-throw] The name within the enclosing namespace.
     virtual const char* getName() const noexcept = 0;
+    /// [throws] Adds classes and inner namespaces.
     virtual void defineContents(COSNamespace* cosNamespace) = 0;
 
     // Called for a name that the defined contents lack; the defaults load nothing.
+    /// [throws] Whether it has made a type of that name known.
     virtual bool attemptToLoadType(COSNamespace* cosNamespace, internal::Interned name);
+    /// [throws] Whether it has added a class of that name.
     virtual bool attemptToLoadClass(COSNamespace* cosNamespace, internal::Interned name);
+    /// [throws] Whether it has made a function of that name known.
     virtual bool attemptToLoadFunction(COSNamespace* cosNamespace, internal::Interned name);
+    /// [throws] Whether it has added an inner namespace of that name.
     virtual bool attemptToLoadInnerNamespace(COSNamespace* cosNamespace, internal::Interned name);
     /// [throws] Called when a name is defined a second time; the default throws a host error that
     /// names it.

@@ -46,7 +46,9 @@ class ZM_HOST_API COSInterface {
 public:
     COSInterface(const COSInterface&) = delete;
     COSInterface& operator=(const COSInterface&) = delete;
+    /// [no-throw] One more holder.
     virtual void addReference() noexcept = 0;
+    /// [no-throw] One holder less; the last one ends the instance.
     virtual void releaseReference() noexcept = 0;
 
 protected:

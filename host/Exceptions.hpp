@@ -40,6 +40,7 @@ public:
     zmsvException& operator=(const zmsvException&);
     ~zmsvException() override;
 
+    /// [borrowed] [no-throw] The text, null-terminated UTF-8.
     const char* what() const noexcept override;
     const zmsvMessageId& id() const noexcept { return m_id; }
 
@@ -56,10 +57,11 @@ public:
     zmsvOutOfMemoryException& operator=(const zmsvOutOfMemoryException&);
     ~zmsvOutOfMemoryException() override;
 
+    /// [borrowed] [no-throw] The text, null-terminated UTF-8.
     const char* what() const noexcept override;
 };
 
-/// Throws `zmsvOutOfMemoryException`.
+/// [throws] Throws `zmsvOutOfMemoryException`.
 [[noreturn]] ZM_HOST_API void zmsvThrowOutOfMemory();
 
 #endif
