@@ -42,7 +42,7 @@ if(NOT ZM_HAS_REFERENCE_HOST)
     return()
 endif()
 
-find_package(EXPAT REQUIRED)
+find_package(LibXml2 REQUIRED)
 find_path(ZIP_INCLUDE_DIR zip.h REQUIRED)
 find_library(ZIP_LIBRARY zip REQUIRED)
 add_library(zm_zip INTERFACE)

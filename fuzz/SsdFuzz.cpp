@@ -14,6 +14,7 @@ using reference_host::Model;
 using reference_host::PortKind;
 using reference_host::readSsd;
 using reference_host::SsdLimits;
+using reference_host::SsdSource;
 using reference_host::writeSsd;
 
 namespace {
@@ -65,12 +66,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (model == nullptr) {
         return 0;
     }
-    require(writeSsd(*model, document) == document);
+    const SsdSource source{document, model->blocks()};
+    require(writeSsd(*model, source) == document);
     if (edit(*model)) {
-        const std::string edited = writeSsd(*model, document);
+        const std::string edited = writeSsd(*model, source);
+        require(writeSsd(*model, source) == edited);
         const std::unique_ptr<Model> again = read(edited, SsdLimits().depth);
         require(again != nullptr && again->blockCount() == model->blockCount());
-        require(writeSsd(*again, edited) == edited);
+        require(writeSsd(*again, {edited, again->blocks()}) == edited);
     }
     return 0;
 }

@@ -51,9 +51,9 @@ std::string Block::zid() const
     return toUtf8(root->m_name) + ':' + std::to_string(m_number);  // the model has the name of its root
 }
 
-void Block::addPort(PortKind kind, std::u16string name, std::uint32_t origin)
+void Block::addPort(PortKind kind, std::u16string name)
 {
-    m_ports[static_cast<std::size_t>(kind)].push_back({std::move(name), origin});
+    m_ports[static_cast<std::size_t>(kind)].push_back({std::move(name)});
     ChangeCount::diagramChanged();
 }
 

@@ -21,11 +21,8 @@ class Model;
 /// `Other` is a connector without a fixed signal direction, such as a parameter.
 enum class PortKind { Output, Input, Other };
 
-/// Blocks, ports and connections remember the element of the document that they were read from: `origin`
-/// counts the elements of these kinds from 1, in document order. 0 means that it was not read.
 struct Port {
     std::u16string name;
-    std::uint32_t origin = 0;
 };
 
 /// One end of a connection. It refers to the block, so that it follows a rename.
@@ -39,7 +36,6 @@ struct ConnectionEnd {
 struct Connection {
     ConnectionEnd start;
     ConnectionEnd end;
-    std::uint32_t origin = 0;
 };
 
 enum class BlockKind { Component, System };
@@ -67,9 +63,6 @@ public:
     /// of addition, never given twice. 0 for the outermost system.
     std::uint32_t number() const noexcept { return m_number; }
 
-    std::uint32_t origin() const noexcept { return m_origin; }  ///< as `Port::origin`
-    void setOrigin(std::uint32_t origin) noexcept { m_origin = origin; }
-
     /// The ZID: model name, ":" and number, UTF-8; empty for the outermost system.
     std::string zid() const;
 
@@ -81,7 +74,7 @@ public:
     {
         return m_ports[static_cast<std::size_t>(kind)];
     }
-    void addPort(PortKind kind, std::u16string name, std::uint32_t origin = 0);
+    void addPort(PortKind kind, std::u16string name);
     void setPorts(PortKind kind, std::vector<Port> ports);
 
     /// The blocks and connections of a system, in document order. A component has none.
@@ -116,7 +109,6 @@ private:
     Block* m_parent;
     BlockKind m_kind;
     std::uint32_t m_number = 0;
-    std::uint32_t m_origin = 0;
     double m_handle = 0.0;
     std::u16string m_name;
     std::array<std::vector<Port>, 3> m_ports;  // by kind

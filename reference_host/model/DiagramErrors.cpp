@@ -18,6 +18,7 @@ constexpr std::array messages{
     Message{"DocumentTypeRefused", "A document type is not accepted, because it may define entities."},
     Message{"TooDeep", "Elements are nested more than {0} deep."},
     Message{"TooLarge", "The document is larger than {0} bytes."},
+    Message{"TooMany", "The document has more than {1} {0}."},
     Message{"NotWellFormed", "The document is not XML: {0}."},
     Message{"NotADescription", "The outermost element is \"{0}\", not SSP's SystemStructureDescription."},
     Message{"NoSystem", "The description has no System."},

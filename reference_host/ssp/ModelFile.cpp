@@ -13,7 +13,6 @@
 #include "reference_host/ssp/Archive.hpp"
 #include "reference_host/ssp/AtomicFile.hpp"
 #include "reference_host/ssp/FileErrors.hpp"
-#include "reference_host/ssp/ModelSource.hpp"
 #include "reference_host/ssp/SsdReader.hpp"
 #include "reference_host/ssp/SsdWriter.hpp"
 #include "reference_host/ssp/ToolData.hpp"
@@ -33,6 +32,12 @@
 #include <vector>
 
 namespace reference_host {
+
+/// The file that a model was read from; saving the model starts from it.
+struct ModelSource {
+    SsdSource description;
+    std::unique_ptr<const Archive> archive;  ///< null if the description was a file of its own
+};
 
 namespace {
 
@@ -165,16 +170,16 @@ bool isArchive(const std::filesystem::path& file, const std::string& bytes)
     return hasExtension(file, ".ssp") || bytes.starts_with("PK\x03\x04");
 }
 
-std::shared_ptr<const ModelSource> readSource(const std::filesystem::path& file)
+std::shared_ptr<ModelSource> readSource(const std::filesystem::path& file)
 {
     auto source = std::make_shared<ModelSource>();
     std::string bytes = readFile(file, ArchiveLimits().packedBytes);
     if (!isArchive(file, bytes)) {
-        source->description = std::move(bytes);
+        source->description.text = std::move(bytes);
         return source;
     }
     source->archive = inArchive(file, [&bytes] { return std::make_unique<const Archive>(std::move(bytes)); });
-    source->description =
+    source->description.text =
         inEntry(file, descriptionEntry, [&source] { return source->archive->read(descriptionEntry); });
     return source;
 }
@@ -182,7 +187,7 @@ std::shared_ptr<const ModelSource> readSource(const std::filesystem::path& file)
 SsdDocument readDescription(const std::filesystem::path& file, const ModelSource& source)
 {
     const std::string name = source.archive ? shown(file) + ": " + descriptionEntry : shown(file);
-    return readSsd(source.description, name);
+    return readSsd(source.description.text, name);
 }
 
 /// A collection of the class that has loaded the "Persistence" which the archive keeps; null when the
@@ -342,7 +347,7 @@ std::vector<ArchiveChange> changesFor(const SavedModel& saved, const std::filesy
         changes.push_back({entry, inEntry(file, entry, content)});
     };
     add("diagram", descriptionEntry, [&] {
-        return std::optional(writeSsd(model, source != nullptr ? source->description : std::string()));
+        return std::optional(writeSsd(model, source != nullptr ? source->description : SsdSource()));
     });
     add("tool data", toolDataEntry, [&] { return std::optional(toolDataOf(model)); });
     add("instrumented signals", signalsEntry, [&] { return persistenceOf(saved.signals()); });
@@ -356,10 +361,11 @@ std::shared_ptr<Model> openModel(const std::filesystem::path& file, const FilePr
 {
     Steps steps(progress, 5);
     steps.begin("file");
-    const std::shared_ptr<const ModelSource> source = readSource(file);
+    const std::shared_ptr<ModelSource> source = readSource(file);
     steps.begin("diagram");
     SsdDocument document = readDescription(file, *source);
     std::shared_ptr<Model> model = std::move(document.model);
+    source->description.blocks = model->blocks();
     model->setSource(source);
     steps.begin("tool data");
     ToolDataChanges changes;

@@ -3,7 +3,7 @@
 #include "host/Text.hpp"
 #include "reference_host/model/DiagramErrors.hpp"
 
-#include <functional>
+#include <algorithm>
 #include <string_view>
 #include <utility>
 
@@ -11,59 +11,35 @@ namespace reference_host {
 
 namespace {
 
-/// A document with more of them has another fault than its connections, and a list without an end helps
-/// nobody.
-constexpr std::size_t mostWarnings = 1000;
+constexpr std::size_t mostWarnings = 1000;  // a longer list does not help its reader
 
-/// The connectors of a system and of its blocks, for look-up by name.
-class Connectors {
-public:
-    explicit Connectors(const Block& system)
-    {
-        insert(system);
-        for (const auto& child : system.children()) {
-            insert(*child);
-        }
-    }
+/// The connectors of a system and of its blocks, sorted for look-up.
+using Connectors = std::vector<std::pair<const Block*, std::u16string_view>>;
 
-    bool has(const Block& block, std::u16string_view connector) const
-    {
-        return m_connectors.contains({&block, connector});
-    }
-
-private:
-    struct Connector {
-        const Block* block;
-        std::u16string_view name;
-        bool operator==(const Connector&) const = default;
-    };
-    struct Hash {
-        std::size_t operator()(const Connector& connector) const noexcept
-        {
-            constexpr std::size_t spread =
-                0x9E3779B97F4A7C15U;  // parts blocks whose connectors bear the same names
-            return std::hash<std::u16string_view>()(connector.name) ^
-                   (std::hash<const Block*>()(connector.block) * spread);
-        }
-    };
-
-    void insert(const Block& block)
-    {
+Connectors connectorsIn(const Block& system)
+{
+    Connectors connectors;
+    const auto insert = [&connectors](const Block& block) {
         for (const PortKind kind : {PortKind::Output, PortKind::Input, PortKind::Other}) {
             for (const Port& port : block.ports(kind)) {
-                m_connectors.insert({&block, port.name});
+                connectors.emplace_back(&block, port.name);
             }
         }
+    };
+    insert(system);
+    for (const auto& child : system.children()) {
+        insert(*child);
     }
-
-    std::unordered_set<Connector, Hash> m_connectors;
-};
+    std::ranges::sort(connectors);
+    return connectors;
+}
 
 }  // namespace
 
 void SsdConnections::add(std::uint64_t line, Connection connection)
 {
-    m_entries.push_back({line, std::move(connection)});
+    m_lines.push_back(line);
+    m_connections.push_back(std::move(connection));
 }
 
 void SsdConnections::noteDictionary(std::u16string name)
@@ -73,14 +49,14 @@ void SsdConnections::noteDictionary(std::u16string name)
 
 void SsdConnections::connect(Block& system, std::vector<SsdWarning>& warnings)
 {
-    if (m_entries.empty()) {
+    if (m_connections.empty()) {
         return;
     }
-    const Connectors connectors(system);
+    const Connectors connectors = connectorsIn(system);
     const auto warn = [&warnings](std::uint64_t line, const char* key, const std::u16string& name,
-                                  const Block& place) {
+                                  const Block& block) {
         if (warnings.size() < mostWarnings) {
-            warnings.push_back({line, diagramError(key, {endOfPath(name), endOfPath(place.path())}).what()});
+            warnings.push_back({line, diagramError(key, {endOfPath(name), endOfPath(block.path())}).what()});
         } else if (warnings.size() == mostWarnings) {
             warnings.push_back({line, diagramError("FurtherConnections", {}).what()});
         }
@@ -95,15 +71,16 @@ void SsdConnections::connect(Block& system, std::vector<SsdWarning>& warnings)
             return;
         }
         end.elementName.clear();
-        if (!connectors.has(*end.element, end.connector)) {
+        if (!std::ranges::binary_search(connectors,
+                                        std::pair(end.element, std::u16string_view(end.connector)))) {
             warn(line, "NoSuchConnector", end.connector, *end.element);
         }
     };
-    for (Entry& entry : m_entries) {
-        connectEnd(entry.connection.start, entry.line);
-        connectEnd(entry.connection.end, entry.line);
-        system.addConnection(std::move(entry.connection));
+    for (std::size_t i = 0; i < m_connections.size(); ++i) {
+        connectEnd(m_connections[i].start, m_lines[i]);
+        connectEnd(m_connections[i].end, m_lines[i]);
     }
+    system.setConnections(std::move(m_connections));
 }
 
 }  // namespace reference_host

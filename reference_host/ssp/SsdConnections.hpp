@@ -11,26 +11,23 @@
 
 namespace reference_host {
 
-/// The connections of one system, as the document names their ends. They are collected while the
-/// system is read and connected when it is complete, for a document may name what comes later.
+/// The connections of one system. They are collected while the system is read and connected when it is
+/// complete, because a document may name an element before it defines it.
 class SsdConnections {
 public:
+    /// The names of both elements are known, the blocks are not.
     void add(std::uint64_t line, Connection connection);
 
     /// An element that is passed over but may be connected.
     void noteDictionary(std::u16string name);
 
-    /// Gives the system its connections, in document order, each end with its block where there is
-    /// one. An end without block or connector is a warning. Linear in connections and connectors.
+    /// Gives the system its connections, in document order, and each end its block if there is one. An end
+    /// without block or connector is a warning. Takes linear time.
     void connect(Block& system, std::vector<SsdWarning>& warnings);
 
 private:
-    struct Entry {
-        std::uint64_t line;
-        Connection connection;
-    };
-
-    std::vector<Entry> m_entries;
+    std::vector<std::uint64_t> m_lines;
+    std::vector<Connection> m_connections;
     std::unordered_set<std::u16string> m_dictionaries;
 };
 

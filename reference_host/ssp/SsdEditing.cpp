@@ -1,237 +1,420 @@
 #include "reference_host/ssp/SsdEditing.hpp"
 
 #include "host/Text.hpp"
+#include "reference_host/ssp/FileErrors.hpp"
+#include "reference_host/support/TextConversion.hpp"
 
 #include <algorithm>
+#include <array>
+#include <map>
 #include <memory>
+#include <optional>
+#include <string_view>
+#include <tuple>
 #include <utility>
 
 namespace reference_host {
 
-SsdEditing::SsdEditing(const Model& model, std::string_view document)
-    : m_document(document), m_outline(model, document), m_stays(m_outline.originCount())
+namespace {
+
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+
+constexpr const char* newDescription =
+    R"(<?xml version="1.0" encoding="UTF-8"?>
+<ssd:SystemStructureDescription name="" version="1.0"
+    xmlns:ssc="http://ssp-standard.org/SSP1/SystemStructureCommon"
+    xmlns:ssd="http://ssp-standard.org/SSP1/SystemStructureDescription">
+  <ssd:System name=""/>
+</ssd:SystemStructureDescription>
+)";
+
+/// The meaning of a child element.
+SsdElement meaningOf(const xmlNode& element, SsdElement inside) noexcept
 {
+    const std::string_view name = nameOf(element);
+    const std::size_t local = name.find(':') + 1;  // 0 for elements with a namespace
+    const bool isOurs = element.ns != nullptr
+                            ? isDescriptionNamespace(reinterpret_cast<const char*>(element.ns->href), {})
+                            : isDescriptionNamespace({}, name.substr(0, local == 0 ? 0 : local - 1));
+    return isOurs ? ssdElement(inside, name.substr(local)) : SsdElement::PassedOver;
+}
+
+const char* nameOfContainer(SsdElement kind) noexcept
+{
+    return kind == SsdElement::Connectors ? "Connectors"
+           : kind == SsdElement::Elements ? "Elements"
+                                          : "Connections";
 }
 
 template <class Visitor>
-void SsdEditing::forEachChild(const SsdNode& node, Visitor visit) const
+void forEachElement(const xmlNode& parent, Visitor visit)
 {
-    for (std::uint32_t child = node.firstChild; child != 0; child = m_outline.node(child).next) {
-        visit(m_outline.node(child));
+    for (xmlNode* child = xmlFirstElementChild(const_cast<xmlNode*>(&parent)); child != nullptr;) {
+        xmlNode* next = xmlNextElementSibling(child);  // the visitor may remove the child
+        visit(*child);
+        child = next;
     }
+}
+
+/// Visits the elements with a meaning in the containers of one kind.
+template <class Visitor>
+void forEachItem(const xmlNode& element, SsdElement kind, Visitor visit)
+{
+    forEachElement(element, [&](xmlNode& container) {
+        if (meaningOf(container, SsdElement::System) == kind) {
+            forEachElement(container, [&](xmlNode& item) {
+                const SsdElement meaning = meaningOf(item, kind);
+                if (meaning != SsdElement::PassedOver) {
+                    visit(item, meaning);
+                }
+            });
+        }
+    });
+}
+
+/// A description writes no element for the system's own connectors.
+std::optional<std::string> elementAttribute(const ConnectionEnd& end, const Block& system)
+{
+    if (end.element == &system) {
+        return std::nullopt;
+    }
+    return attributeText(blockNameForFile(end.element == nullptr ? end.elementName : end.element->name()));
+}
+
+/// Leaves an attribute as it is if its value is the same; an absent one is an empty one.
+void updateAttribute(xmlNode& element, const char* name, const std::optional<std::string>& value)
+{
+    if (attributeOf(element, name).value_or("") != value.value_or("")) {
+        setAttribute(element, name, value);
+    }
+}
+
+void setEnds(xmlNode& element, const Connection& connection, const Block& system)
+{
+    updateAttribute(element, "startElement", elementAttribute(connection.start, system));
+    updateAttribute(element, "startConnector", attributeText(connection.start.connector));
+    updateAttribute(element, "endElement", elementAttribute(connection.end, system));
+    updateAttribute(element, "endConnector", attributeText(connection.end.connector));
+}
+
+/// What a connection connects, for comparison.
+using ConnectionKey =
+    std::tuple<const Block*, std::u16string, std::u16string, const Block*, std::u16string, std::u16string>;
+
+ConnectionKey keyOf(const Connection& connection)
+{
+    return {connection.start.element, connection.start.elementName, connection.start.connector,
+            connection.end.element,   connection.end.elementName,   connection.end.connector};
+}
+
+/// The blocks and dictionaries of a system by the names that they have in the document.
+class DocumentNames {
+public:
+    DocumentNames(const xmlNode& element, const Block& system) : m_system(system)
+    {
+        forEachItem(element, SsdElement::Elements, [this](const xmlNode& item, SsdElement meaning) {
+            if (const auto name = attributeOf(item, "name")) {
+                const bool isDictionary = meaning == SsdElement::Dictionary;
+                const auto* block = isDictionary ? nullptr : static_cast<const Block*>(item._private);
+                const auto [known, isNew] = m_blocks.emplace(*name, block);
+                known->second = isDictionary ? nullptr : known->second;
+            }
+        });
+    }
+
+    Connection connectionOf(const xmlNode& item) const
+    {
+        return {endOf(item, "startElement", "startConnector"), endOf(item, "endElement", "endConnector")};
+    }
+
+private:
+    ConnectionEnd endOf(const xmlNode& item, const char* elementName, const char* connectorName) const
+    {
+        const std::string name = attributeOf(item, elementName).value_or("");
+        const auto found = m_blocks.find(name);
+        const Block* block = found != m_blocks.end() ? found->second : name.empty() ? &m_system : nullptr;
+        return {block, block != nullptr ? std::u16string() : blockNameFromFile(name),
+                utf16FromUtf8(attributeOf(item, connectorName).value_or(""))};
+    }
+
+    const Block& m_system;
+    std::unordered_map<std::string, const Block*> m_blocks;  // null for a dictionary
+};
+
+}  // namespace
+
+SsdEditing::SsdEditing(const Model& model, const SsdSource& source)
+    : m_model(model),
+      m_document(parseXml(source.text.empty() ? newDescription : source.text)),
+      m_mark(source.text.starts_with(byteOrderMark) ? byteOrderMark : "")
+{
+    xmlNode& description = *xmlDocGetRootElement(m_document.get());
+    m_isFirstVersion = attributeOf(description, "version").value_or("1.").starts_with("1.");
+    if (source.text.empty()) {
+        setAttribute(description, "name", attributeText(model.name()));
+    }
+    m_entries.push_back({&model.root()});
+    for (const Block* block : source.blocks) {
+        m_entries.push_back({block});
+    }
+    std::size_t next = 0;
+    forEachElement(description, [&](xmlNode& child) {
+        if (meaningOf(child, SsdElement::Description) == SsdElement::System) {
+            m_unit = leadOf(child);
+            m_unit.erase(0, 1);  // the line feed
+            collect(child, nullptr, next);
+        }
+    });
+    if (next != m_entries.size()) {
+        throw fileError("ForeignDescription", {toUtf8(model.name())});
+    }
+}
+
+SsdEditing::~SsdEditing()
+{
+    std::vector<xmlNode*> outside;
+    for (const Entry& entry : m_entries) {
+        if (entry.element != nullptr && entry.element->parent == nullptr) {
+            outside.push_back(entry.element);
+        }
+    }
+    std::ranges::for_each(outside, xmlFreeNode);
 }
 
 std::string SsdEditing::run()
 {
-    const SsdNode& description = m_outline.node(0);
-    forEachChild(description, [&](const SsdNode& child) {
-        if (child.element == SsdElement::System) {
-            const std::string lead = leadOf(child);
-            m_unit = lead.substr(lead.find('\n') + 1);
-            editBlock(child, m_outline.blockOf(child), description.scope);
+    for (const Entry& entry : m_entries) {
+        if (entry.block == &m_model.root() || m_model.holds(*entry.block)) {
+            editConnections(*entry.element, *entry.block);
         }
-    });
-    copyTo(m_document.size());
-    return std::move(m_out);
-}
-
-void SsdEditing::copyTo(std::size_t place)
-{
-    if (place > m_cursor) {
-        m_out.append(m_document, m_cursor, place - m_cursor);
-        m_cursor = place;
     }
-}
-
-// ---- existing elements ------------------------------------------------------------------------------
-
-void SsdEditing::editBlock(const SsdNode& node, const Block& block, std::uint32_t scope)
-{
-    editTag(node, blockAttributes(block), scope);
-    markStaying(node, block);
-    Progress progress = beginOf(node);
-    std::size_t place = node.tagEnd;
-    forEachChild(node, [&](const SsdNode& child) {
-        addContainers(node, block, progress, place, child.position);
-        editContainer(child, block, progress);
-        place = child.end;
-    });
-    addContainers(node, block, progress, place, positionInSystem(""));
-    if (progress.isOpened) {
-        close(node);
+    takeOutMoved();
+    editBlock(*m_entries.front().element, m_model.root());
+    for (xmlNode* container : m_touched) {
+        if (xmlFirstElementChild(container) == nullptr && container->properties == nullptr) {
+            dissolve(*container);
+        }
     }
+    return m_mark + xmlText(*m_document);
 }
 
-SsdEditing::Progress SsdEditing::beginOf(const SsdNode& node) const
+void SsdEditing::collect(xmlNode& element, const Block* system, std::size_t& next)
 {
-    Progress progress;
-    forEachChild(node, [&progress](const SsdNode& child) {
-        for (std::size_t i = 0; i < containers.size(); ++i) {
-            if (child.element == containers[i].element) {
-                progress.last[i] = &child;
+    if (next == m_entries.size() || &m_entries[next].block->model() != &m_model) {
+        throw fileError("ForeignDescription", {toUtf8(m_model.name())});
+    }
+    Entry& entry = m_entries[next];
+    m_places.emplace(entry.block, next++);
+    entry.element = &element;
+    entry.system = system;
+    element._private = const_cast<Block*>(entry.block);
+    if (entry.block->kind() == BlockKind::System) {
+        forEachItem(element, SsdElement::Elements, [&](xmlNode& item, SsdElement meaning) {
+            if (meaning != SsdElement::Dictionary) {
+                collect(item, entry.block, next);
             }
-        }
-    });
-    return progress;
+        });
+    }
 }
 
-/// New items come behind the others, in the last container of their kind if there are several.
-void SsdEditing::editContainer(const SsdNode& container, const Block& block, Progress& progress)
+SsdEditing::Entry* SsdEditing::entryOf(const Block& block)
 {
-    if (container.element == SsdElement::PassedOver) {
-        return;
+    const auto found = m_places.find(&block);
+    return found == m_places.end() ? nullptr : &m_entries[found->second];
+}
+
+// ---- in the document's structure --------------------------------------------------------------------
+
+void SsdEditing::editConnections(xmlNode& system, const Block& block)
+{
+    std::map<ConnectionKey, std::size_t> missing;
+    for (const Connection& connection : block.connections()) {
+        ++missing[keyOf(connection)];
     }
-    const bool isLast =
-        std::find(progress.last.begin(), progress.last.end(), &container) != progress.last.end();
-    const bool isForBlocks = container.element == SsdElement::Elements;
-    const bool addsMore =
-        isLast && (isForBlocks ? endsWithAdded(block) : hasNewItems(container.element, block));
-    bool isKept = addsMore || container.firstChild == 0;
-    forEachChild(container, [&](const SsdNode& item) { isKept = isKept || stays(item); });
-    if (!isKept) {
-        leaveOut(container.begin, container.tagEnd);
-    }
-    std::size_t place = container.tagEnd;
-    forEachChild(container, [&](const SsdNode& item) {
-        editItem(item, block, progress, place);
-        place = item.end;
-    });
-    if (addsMore) {
-        open(container);
-        copyTo(place);
-        if (isForBlocks) {
-            addChildren(block, progress, nullptr, placeIn(container));
+    const DocumentNames names(system, block);
+    forEachItem(system, SsdElement::Connections, [&](xmlNode& item, SsdElement) {
+        const Connection connection = names.connectionOf(item);
+        const auto found = missing.find(keyOf(connection));
+        if (found != missing.end() && found->second > 0) {
+            --found->second;
+            setEnds(item, connection, block);
         } else {
-            addItems(container.element, block, placeIn(container));
+            remove(item);
         }
-        close(container);
-    }
-    if (!isKept) {
-        leaveOut(container.contentEnd, container.end);
-    }
-}
-
-/// `place` is where something could be put in front of the item.
-void SsdEditing::editItem(const SsdNode& item, const Block& block, Progress& progress, std::size_t place)
-{
-    if (!stays(item)) {
-        leaveOut(item.begin, item.end);
-    } else if (item.element == SsdElement::System || item.element == SsdElement::Component) {
-        editChild(item, block, progress, place);
-    } else if (item.isChanged.any()) {
-        const std::uint32_t scope = m_outline.node(item.parent).scope;
-        editTag(item,
-                item.element == SsdElement::Connector
-                    ? connectorAttributes(m_outline.portOf(item))
-                    : connectionAttributes(m_outline.connectionOf(item), block),
-                scope);
+    });
+    for (const Connection& connection : block.connections()) {
+        std::size_t& count = missing[keyOf(connection)];
+        if (count > 0) {
+            --count;
+            addConnection(system, connection, block);
+        }
     }
 }
 
-void SsdEditing::editChild(const SsdNode& item, const Block& system, Progress& progress, std::size_t place)
+void SsdEditing::addConnection(xmlNode& system, const Connection& connection, const Block& block)
 {
-    const Block& child = m_outline.blockOf(item);
-    const SsdNode& container = m_outline.node(item.parent);
-    if (system.children()[progress.nextChild].get() != &child) {
-        copyTo(place);
-        addChildren(system, progress, &child, placeIn(container));
-    }
-    editBlock(item, child, container.scope);
-    ++progress.nextChild;
+    xmlNode& container = containerIn(system, SsdElement::Connections);
+    xmlNode& item = *makeElementLike(container, "Connection");
+    append(container, item, m_unit);
+    setEnds(item, connection, block);
 }
 
-void SsdEditing::editTag(const SsdNode& node, const std::vector<SsdAttribute>& attributes,
-                         std::uint32_t scope)
+void SsdEditing::markStaying(const Block& system)
 {
-    const auto declarations = m_outline.missingDeclarations(node, scope);
-    if (node.isChanged.none() && declarations.empty()) {
-        return;
+    std::size_t last = 0;
+    for (const std::unique_ptr<Block>& child : system.children()) {
+        const auto found = m_places.find(child.get());
+        if (found != m_places.end() && found->second > last && m_entries[found->second].system == &system) {
+            last = found->second;
+            m_entries[last].stays = true;
+        }
     }
-    m_isEdited = true;
-    auto missing = node.isChanged;
-    std::size_t end = 0;
-    for (const XmlAttributePlace& place : attributePlaces(m_document, node.begin, end)) {
-        const std::string_view name = m_document.substr(place.begin, place.nameEnd - place.begin);
-        for (std::size_t i = 0; i < attributes.size(); ++i) {
-            if (missing[i] && attributes[i].name == name) {
-                replaceAttribute(place, attributes[i].value);
-                missing.reset(i);
+}
+
+void SsdEditing::takeOutMoved()
+{
+    m_entries.front().stays = true;
+    for (const Entry& entry : m_entries) {
+        markStaying(*entry.block);
+    }
+    std::vector<Entry*> moved;
+    for (Entry& entry : m_entries) {
+        if (!entry.stays) {
+            entry.former = namespacesIn(*entry.element->parent);  // needs all elements around it
+            moved.push_back(&entry);
+        }
+    }
+    for (const Entry* entry : moved) {
+        m_touched.insert(entry->element->parent);
+        takeOut(*entry->element);
+    }
+}
+
+void SsdEditing::remove(xmlNode& item)
+{
+    m_touched.insert(item.parent);
+    takeOut(item);
+    xmlFreeNode(&item);
+}
+
+// ---- in the model's structure -----------------------------------------------------------------------
+
+void SsdEditing::editBlock(xmlNode& element, const Block& block)
+{
+    updateAttribute(element, "name", attributeText(blockNameForFile(block.name())));
+    editConnectors(element, block);
+    if (block.kind() == BlockKind::System) {
+        editChildren(element, block);
+    }
+}
+
+void SsdEditing::editConnectors(xmlNode& element, const Block& block)
+{
+    constexpr std::array kinds{PortKind::Output, PortKind::Input, PortKind::Other};
+    constexpr std::array names{"output", "input", "parameter"};
+    std::map<std::pair<PortKind, std::u16string>, std::size_t> missing;
+    for (const PortKind kind : kinds) {
+        for (const Port& port : block.ports(kind)) {
+            ++missing[{kind, port.name}];
+        }
+    }
+    forEachItem(element, SsdElement::Connectors, [&](xmlNode& item, SsdElement) {
+        const auto found = missing.find({portKind(attributeOf(item, "kind").value_or("")),
+                                         utf16FromUtf8(attributeOf(item, "name").value_or(""))});
+        if (found != missing.end() && found->second > 0) {
+            --found->second;
+        } else {
+            remove(item);
+        }
+    });
+    for (std::size_t i = 0; i < kinds.size(); ++i) {
+        for (const Port& port : block.ports(kinds[i])) {
+            std::size_t& count = missing[{kinds[i], port.name}];
+            if (count > 0) {
+                --count;
+                xmlNode& container = containerIn(element, SsdElement::Connectors);
+                xmlNode& item = *makeElementLike(container, "Connector");
+                append(container, item, m_unit);
+                setAttribute(item, "name", attributeText(port.name));
+                setAttribute(item, "kind", names[i]);
             }
         }
     }
-    copyTo(end);
-    for (std::size_t i = 0; i < attributes.size(); ++i) {
-        const std::optional<std::u16string>& value = attributes[i].value;
-        if (missing[i] && value) {
-            addAttribute(attributes[i].name, *value);
-        }
-    }
-    for (const auto& [prefix, uri] : declarations) {
-        addAttribute(prefix.empty() ? "xmlns" : "xmlns:" + prefix, toUtf16(uri.c_str()));
+}
+
+void SsdEditing::editChildren(xmlNode& system, const Block& block)
+{
+    const auto stays = [this](const auto& child) {
+        const Entry* entry = entryOf(*child);
+        return entry != nullptr && entry->stays;
+    };
+    const auto first = std::ranges::find_if(block.children(), stays);
+    xmlNode* next = first == block.children().end() ? nullptr : entryOf(**first)->element;
+    xmlNode* previous = nullptr;
+    for (const std::unique_ptr<Block>& child : block.children()) {
+        previous = stays(child) ? entryOf(*child)->element : &place(*child, system, previous, next);
+        editBlock(*previous, *child);
     }
 }
 
-void SsdEditing::replaceAttribute(const XmlAttributePlace& place, const std::optional<std::u16string>& value)
+/// Puts in a block that is new or was taken out: behind its former sibling, else before the next one.
+xmlNode& SsdEditing::place(const Block& child, xmlNode& system, xmlNode* previous, xmlNode* next)
 {
-    if (value) {
-        copyTo(place.valueBegin);
-        appendAttributeValue(m_out, *value);
-        m_cursor = place.valueEnd;
+    xmlNode& container = previous != nullptr ? *previous->parent
+                         : next != nullptr   ? *next->parent
+                                             : containerIn(system, SsdElement::Elements);
+    const Entry* entry = entryOf(child);
+    xmlNode& element = entry != nullptr ? *entry->element : makeBlock(child, container);
+    if (previous != nullptr) {
+        insertBehind(*previous, element);
+    } else if (next != nullptr) {
+        insertBefore(*next, element);
     } else {
-        copyTo(beginOfSpaceBefore(m_document, place.begin));
-        m_cursor = place.valueEnd + 1;
+        append(container, element, m_unit);
     }
-}
-
-/// Turns an element that is one tag into one with two, and copies up to its content; nothing for others.
-void SsdEditing::open(const SsdNode& node)
-{
-    if (node.isEmptyTag()) {
-        constexpr std::size_t ending = 2;
-        copyTo(beginOfSpaceBefore(m_document, node.tagEnd - ending));
-        m_out += '>';
-        m_cursor = node.tagEnd;
-    }
-}
-
-void SsdEditing::close(const SsdNode& node)
-{
-    if (node.isEmptyTag()) {
-        m_out.append(leadOf(node)).append("</").append(nameOf(node)).append(">");
-    }
-}
-
-/// Leaves out a piece of the document, and the white space before it.
-void SsdEditing::leaveOut(std::size_t begin, std::size_t end)
-{
-    copyTo(beginOfSpaceBefore(m_document, begin));
-    m_cursor = end;
-    m_isEdited = true;
-}
-
-/// The blocks that need not be moved: those that still follow each other.
-void SsdEditing::markStaying(const SsdNode& node, const Block& system)
-{
-    std::uint32_t last = 0;
-    for (const std::unique_ptr<Block>& child : system.children()) {
-        const SsdNode* element = m_outline.nodeOf(*child);
-        if (element != nullptr && &m_outline.node(m_outline.node(element->parent).parent) == &node &&
-            child->origin() > last) {
-            last = child->origin();
-            m_stays[last] = true;
+    if (entry != nullptr) {
+        restoreNamespaces(element, entry->former);
+    } else {
+        for (const Connection& connection : child.connections()) {
+            addConnection(element, connection, child);
         }
     }
+    return element;
 }
 
-bool SsdEditing::stays(const SsdNode& item) const
+xmlNode& SsdEditing::makeBlock(const Block& block, const xmlNode& container) const
 {
-    const bool isBlock = item.element == SsdElement::System || item.element == SsdElement::Component;
-    return !item.isGone && (!isBlock || m_stays[item.origin]);
+    const bool isSystem = block.kind() == BlockKind::System;
+    xmlNode& element = *makeElementLike(container, isSystem ? "System" : "Component");
+    setAttribute(element, "name", "");
+    if (!isSystem && m_isFirstVersion) {
+        setAttribute(element, "source", "");
+    }
+    return element;
 }
 
-bool SsdEditing::endsWithAdded(const Block& system) const
+/// The last container of a kind; a new one at the place that the schema requires if there is none.
+xmlNode& SsdEditing::containerIn(xmlNode& element, SsdElement kind)
 {
-    return !system.children().empty() && !m_stays[system.children().back()->origin()];
+    const char* name = nameOfContainer(kind);
+    xmlNode* last = nullptr;
+    xmlNode* next = nullptr;
+    forEachElement(element, [&](xmlNode& child) {
+        const std::string_view childName = nameOf(child);
+        const int position = ssdPosition(childName.substr(childName.find(':') + 1));
+        last = meaningOf(child, SsdElement::System) == kind ? &child : last;
+        next = next == nullptr && position > ssdPosition(name) ? &child : next;
+    });
+    if (last != nullptr) {
+        return *last;
+    }
+    xmlNode& container = *makeElementLike(element, name);
+    if (next != nullptr) {
+        insertBefore(*next, container);
+    } else {
+        append(element, container, m_unit);
+    }
+    return container;
 }
 
 }  // namespace reference_host

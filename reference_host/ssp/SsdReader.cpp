@@ -1,57 +1,59 @@
 #include "reference_host/ssp/SsdReader.hpp"
 
-#include "host/Text.hpp"
 #include "reference_host/model/DiagramErrors.hpp"
 #include "reference_host/ssp/SsdConnections.hpp"
-#include "reference_host/ssp/SsdWalker.hpp"
+#include "reference_host/ssp/SsdElements.hpp"
+#include "reference_host/ssp/XmlReader.hpp"
+#include "reference_host/support/TextConversion.hpp"
 
-#include <string_view>
 #include <utility>
 
 namespace reference_host {
 
 namespace {
 
-std::u16string requiredName(const XmlAttributes& attributes, std::string_view element)
+std::string_view requiredName(const XmlStartTag& tag)
 {
-    const char* name = attributes.find("name");
-    if (name == nullptr) {
-        throw diagramError("NameMissing", {std::string(element)});
+    const auto name = tag.attribute("name");
+    if (!name) {
+        throw diagramError("NameMissing", {std::string(tag.name)});
     }
-    return toUtf16(name);
+    return *name;
+}
+
+void countUpTo(std::size_t& count, std::size_t limit, const char* what)
+{
+    if (++count > limit) {
+        throw diagramError("TooMany", {std::string(what), std::uint64_t{limit}});
+    }
 }
 
 /// Builds the model while the elements pass by.
-class SsdHandler : public SsdWalker {
+class SsdHandler : public XmlHandler {
 public:
+    explicit SsdHandler(const SsdLimits& limits) noexcept : m_limits(limits) {}
+
     SsdDocument take() noexcept { return std::move(m_document); }
 
-protected:
-    void enter(SsdElement element, std::string_view, const XmlAttributes& attributes,
-               const XmlTag& tag) override
+    void begin(const XmlStartTag& tag) override
     {
         using enum SsdElement;
-        switch (element) {
-            case System:
-            case Component:
-                beginBlock(element, attributes);
-                break;
-            case Dictionary:
-                noteDictionary(attributes);
-                break;
-            case Connector:
-                addConnector(attributes);
-                break;
-            case Connection:
-                addConnection(attributes, tag.line);
-                break;
-            default:
-                break;
+        const SsdElement inside = m_open.empty() ? PassedOver : m_open.back();
+        const bool isPassedOver =
+            (inside == PassedOver && !m_open.empty()) || !isDescriptionNamespace(tag.uri, tag.prefix);
+        const SsdElement element = isPassedOver ? PassedOver : ssdElement(inside, tag.name);
+        if (element == PassedOver && m_open.empty()) {
+            std::string prefix = tag.prefix.empty() ? "" : std::string(tag.prefix) + ':';
+            throw diagramError("NotADescription", {prefix.append(tag.name)});
         }
+        m_open.push_back(element);
+        enter(element, tag);
     }
 
-    void leave(SsdElement element, const XmlTag&) override
+    void end() override
     {
+        const SsdElement element = m_open.back();
+        m_open.pop_back();
         if (element == SsdElement::System) {
             m_connections.back().connect(*m_block, m_document.warnings);
             m_connections.pop_back();
@@ -64,77 +66,72 @@ protected:
     }
 
 private:
-    void beginBlock(SsdElement element, const XmlAttributes& attributes)
+    void enter(SsdElement element, const XmlStartTag& tag)
     {
-        const bool isSystem = element == SsdElement::System;
-        if (m_block == nullptr) {
-            beginModel(attributes);
-        } else {
-            m_block =
-                &m_document.model->add(*m_block, requiredName(attributes, isSystem ? "System" : "Component"),
-                                       isSystem ? BlockKind::System : BlockKind::Component);
-        }
-        m_block->setOrigin(origin());
-        if (isSystem) {
-            m_connections.emplace_back();
+        using enum SsdElement;
+        switch (element) {
+            case System:
+                beginBlock(tag, BlockKind::System);
+                m_connections.emplace_back();
+                break;
+            case Component:
+                beginBlock(tag, BlockKind::Component);
+                break;
+            case Dictionary:
+                if (const auto name = tag.attribute("name")) {
+                    m_connections.back().noteDictionary(blockNameFromFile(*name));
+                }
+                break;
+            case Connector:
+                m_block->addPort(portKind(tag.attribute("kind").value_or("")),
+                                 utf16FromUtf8(requiredName(tag)));
+                break;
+            case Connection:
+                countUpTo(m_connectionCount, m_limits.connections, "connections");
+                m_connections.back().add(tag.line, connectionOf(tag));
+                break;
+            default:
+                break;
         }
     }
 
-    void beginModel(const XmlAttributes& attributes)
+    void beginBlock(const XmlStartTag& tag, BlockKind kind)
     {
+        std::u16string name = blockNameFromFile(requiredName(tag));
+        countUpTo(m_blockCount, m_limits.blocks, "blocks");
+        if (m_block != nullptr) {
+            m_block = &m_document.model->add(*m_block, std::move(name), kind);
+            return;
+        }
         if (m_document.model != nullptr) {
             throw diagramError("SecondSystem", {});
         }
-        m_document.model = std::make_unique<Model>(requiredName(attributes, "System"));
+        m_document.model = std::make_unique<Model>(std::move(name));
         m_block = &m_document.model->root();
     }
 
-    void noteDictionary(const XmlAttributes& attributes)
+    static Connection connectionOf(const XmlStartTag& tag)
     {
-        if (const char* name = attributes.find("name")) {
-            m_connections.back().noteDictionary(toUtf16(name));
-        }
+        const auto text = [&tag](const char* name) { return tag.attribute(name).value_or(""); };
+        return {{nullptr, blockNameFromFile(text("startElement")), utf16FromUtf8(text("startConnector"))},
+                {nullptr, blockNameFromFile(text("endElement")), utf16FromUtf8(text("endConnector"))}};
     }
 
-    void addConnector(const XmlAttributes& attributes)
-    {
-        const char* kind = attributes.find("kind");
-        const std::string_view kindName = kind == nullptr ? "" : kind;
-        m_block->addPort(kindName == "output"  ? PortKind::Output
-                         : kindName == "input" ? PortKind::Input
-                                               : PortKind::Other,
-                         requiredName(attributes, "Connector"), origin());
-    }
-
-    void addConnection(const XmlAttributes& attributes, std::uint64_t line)
-    {
-        const auto text = [&attributes](std::string_view name) {
-            const char* value = attributes.find(name);
-            return value == nullptr ? std::u16string() : toUtf16(value);
-        };
-        m_connections.back().add(line, {{nullptr, text("startElement"), text("startConnector")},
-                                        {nullptr, text("endElement"), text("endConnector")},
-                                        origin()});
-    }
-
+    const SsdLimits& m_limits;
     SsdDocument m_document;
-    Block* m_block = nullptr;                   // the innermost block or system we are in
-    std::vector<SsdConnections> m_connections;  // of the systems we are in, the innermost last
+    std::vector<SsdElement> m_open;             // the innermost last
+    Block* m_block = nullptr;                   // the innermost block or system
+    std::vector<SsdConnections> m_connections;  // of the open systems, the innermost last
+    std::size_t m_blockCount = 0;
+    std::size_t m_connectionCount = 0;
 };
 
 }  // namespace
 
-SsdDocument readSsd(std::istream& in, const std::string& file, const SsdLimits& limits)
-{
-    SsdHandler handler;
-    readXml(in, file, {limits.bytes, limits.depth}, handler);
-    return handler.take();
-}
-
 SsdDocument readSsd(std::string_view document, const std::string& file, const SsdLimits& limits)
 {
-    SsdHandler handler;
-    readXml(document, file, {limits.bytes, limits.depth}, handler);
+    SsdHandler handler(limits);
+    readXml(document, file, {limits.bytes, limits.depth, limits.nodes, limits.attributes}, handler);
     return handler.take();
 }
 

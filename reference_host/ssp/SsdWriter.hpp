@@ -5,25 +5,31 @@
 #include "reference_host/model/Model.hpp"
 
 #include <string>
+#include <vector>
 
 namespace reference_host {
 
-/// The system structure description of a model: the document that it was read from (empty for a model that
-/// was made otherwise, which gives a new one of SSP 1.0), with the diagram's edits written into it: names,
-/// blocks added, moved and deleted, connectors, connections. Everything else stands as it stood, byte for
-/// byte: units, sources, parameter bindings, geometry, annotations, comments, white space; a model without
-/// edits gives the document itself. An edited document comes out as UTF-8, whatever it was before.
+/// The description that a model was read from; empty for a model that was made otherwise.
+struct SsdSource {
+    std::string text;
+    std::vector<Block*> blocks;  ///< `Model::blocks()` after the reading: the elements in document order
+};
+
+/// The system structure description of a model. If the diagram is as it was read, the result is the source's
+/// text, byte for byte. Otherwise the source's XML tree is edited (names, blocks, connectors, connections)
+/// and written as UTF-8. All other elements, attributes, comments, processing instructions, namespaces and
+/// texts are kept; white space inside tags, quotes, CR LF and character references are written in one form.
+/// The same diagram and source give the same bytes. An empty source gives a new description of SSP 1.0.
 ///
-/// It is always the document of the reading that is handed in, also after the model was saved: blocks, ports
-/// and connections know their elements there. Another document is a host error ("ForeignDescription").
+/// A block keeps its element when it is renamed or moved. A connector is identified by its block, kind and
+/// name; a connection by what it connects. The order of connectors has no meaning in a description: existing
+/// ones keep their places and new ones follow. A new component has no source in SSP 2, and an empty one in
+/// SSP 1, which requires it.
 ///
-/// The order of connectors says nothing in a description, so those that are there keep their places and new
-/// ones follow; the numbers of ports are kept elsewhere. A new component has no source but, in SSP 1, an
-/// empty one, which must be there.
-///
-/// A name that XML cannot hold is a host error ("UnwritableName": name, place from 1, code unit). So is a
-/// description past what `readSsd` takes by default ("InvalidDiagram"), for it could not be opened again.
-ZM_REFHOST_API std::string writeSsd(const Model& model, const std::string& document);
+/// A name that XML cannot represent is a host error ("UnwritableName": name, place from 1, code unit), so is
+/// a source of another model ("ForeignDescription") and a result that `readSsd` would refuse
+/// ("InvalidDiagram").
+ZM_REFHOST_API std::string writeSsd(const Model& model, const SsdSource& source);
 
 }  // namespace reference_host
 

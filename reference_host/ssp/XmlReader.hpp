@@ -3,41 +3,28 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <iosfwd>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
 namespace reference_host {
 
-/// The attributes of one element, names as they are written (with their prefixes), values resolved.
-class XmlAttributes {
-public:
-    /// A list of name, value, name, value … null, which must outlive this.
-    explicit XmlAttributes(const char* const* list) noexcept : m_list(list) {}
+/// A start tag. All texts are UTF-8 and valid while the handler is called.
+struct XmlStartTag {
+    std::string_view name;    ///< without the prefix
+    std::string_view prefix;  ///< empty for none
+    std::string_view uri;     ///< of the namespace; empty for none and for an undeclared prefix
+    std::uint64_t line = 0;   ///< 1-based, of the end of the tag
 
-    /// The value; null when there is no such attribute.
-    const char* find(std::string_view name) const noexcept;
+    /// The value of an attribute without prefix; none if the tag does not have it.
+    std::optional<std::string_view> attribute(std::string_view attributeName) const noexcept;
 
-    template <class Visitor>
-    void forEach(Visitor visit) const
-    {
-        for (const char* const* pair = m_list; *pair != nullptr; pair += 2) {
-            visit(std::string_view(pair[0]), std::string_view(pair[1]));
-        }
-    }
-
-private:
-    const char* const* m_list;
+    /// Five pointers for each attribute, as libxml2 gives them: name, prefix, URI, value, end of the value.
+    std::span<const unsigned char* const> attributes;
 };
 
-/// Where a tag stands in the document, as UTF-8.
-struct XmlTag {
-    std::uint64_t line;  ///< 1-based, of its first character
-    std::size_t begin;   ///< in bytes from the start of the document
-    std::size_t end;     ///< after its ">"
-};
-
-/// Takes the elements of a document in order. What it throws ends the reading.
+/// Gets the elements of a document in order. An exception ends the reading.
 class XmlHandler {
 public:
     XmlHandler() = default;
@@ -45,22 +32,20 @@ public:
     XmlHandler& operator=(const XmlHandler&) = delete;
     virtual ~XmlHandler() = default;
 
-    /// `element` with its prefix.
-    virtual void begin(std::string_view element, const XmlAttributes& attributes, const XmlTag& tag) = 0;
-
-    /// An element in one tag ("<a/>") has an end tag of no bytes behind that.
-    virtual void end(const XmlTag& tag) = 0;
+    virtual void begin(const XmlStartTag& tag) = 0;
+    virtual void end() = 0;
 };
 
 struct XmlLimits {
     std::size_t bytes;
-    std::size_t depth;
+    std::size_t depth;       ///< of nested elements; libxml2 takes 256
+    std::size_t nodes;       ///< elements, texts, comments and processing instructions
+    std::size_t attributes;  ///< namespace declarations included
 };
 
-/// Reads a document to its end, prefixes left as they are. A document that is not well-formed, has a
-/// document type, exceeds a limit, or has what the handler refuses with a host error, is a host error
-/// "InvalidDiagram" with file, line and reason. A stream that fails is "UnreadableFile".
-void readXml(std::istream& in, const std::string& file, const XmlLimits& limits, XmlHandler& handler);
+/// Reads a document in any encoding that libxml2 knows, without building a tree. An attribute may have
+/// 10,000,000 bytes. A document that is not well-formed, has a document type, exceeds a limit, or is refused
+/// by the handler with a host error, is the host error "InvalidDiagram" (file, line, reason).
 void readXml(std::string_view document, const std::string& file, const XmlLimits& limits,
              XmlHandler& handler);
 

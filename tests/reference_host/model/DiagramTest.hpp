@@ -11,7 +11,6 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <sstream>
 #include <string>
 #include <variant>
 #include <vector>
@@ -46,8 +45,7 @@ protected:
     static reference_host::SsdDocument read(const std::string& document,
                                             const reference_host::SsdLimits& limits = {})
     {
-        std::istringstream in(document);
-        return reference_host::readSsd(in, "test.ssd", limits);
+        return reference_host::readSsd(document, "test.ssd", limits);
     }
 
     /// A document whose outermost System holds this. The content begins on line 3.

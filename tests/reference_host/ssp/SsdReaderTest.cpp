@@ -132,12 +132,25 @@ TEST_F(SsdReaderTest, KnownElementsInStrangePlacesArePassedOver)
     EXPECT_EQ(paths(*document.model), (std::vector<std::u16string>{u"plant/A"}));
 }
 
-TEST_F(SsdReaderTest, SlashAndColonInAnElementNameAreRefusedByName)
+TEST_F(SsdReaderTest, SlashAndColonInAnElementNameAreEscaped)
 {
-    EXPECT_EQ(refusal(elements("\n<ssd:Component name='A/B'/>"), 4),
-              "The name \"A/B\" holds a \"/\", which parts the names of a path.");
-    EXPECT_EQ(refusal(elements("\n\n<ssd:System name='A:B'/>"), 5),
-              "The name \"A:B\" holds a \":\", which parts model and number.");
+    EXPECT_EQ(paths(*read(elements("<ssd:Component name='Kreis 1/2'/><ssd:System name='Plant::Motor'/>"
+                                   "<ssd:Component name='50 %'/><ssd:Component name='%2F'/>"))
+                         .model),
+              (std::vector<std::u16string>{u"plant/Kreis 1%2F2", u"plant/Plant%3A%3AMotor", u"plant/50 %",
+                                           u"plant/%252F"}));
+}
+
+TEST_F(SsdReaderTest, EscapedNamesAreConnected)
+{
+    const SsdDocument document = read(
+        system("<ssd:Elements><ssd:Component name='A/B'><ssd:Connectors><ssd:Connector name='y/z' "
+               "kind='output'/></ssd:Connectors></ssd:Component></ssd:Elements><ssd:Connections>"
+               "<ssd:Connection startElement='A/B' startConnector='y/z' endElement='A/B' endConnector='y/z'/>"
+               "</ssd:Connections>"));
+    EXPECT_TRUE(document.warnings.empty());
+    EXPECT_EQ(document.model->root().connections().front().start.element,
+              document.model->findByPath(u"A%2FB"));
 }
 
 TEST_F(SsdReaderTest, EmptyAndMissingNamesAreRefused)
@@ -163,8 +176,8 @@ TEST_F(SsdReaderTest, ModelNameFollowsTheSameRules)
         "<ssd:SystemStructureDescription "
         "xmlns:ssd='http://ssp-standard.org/SSP1/SystemStructureDescription'>\n";
     EXPECT_EQ(refusal(head + "<ssd:System/></ssd:SystemStructureDescription>", 2), "A System has no name.");
-    EXPECT_EQ(refusal(head + "<ssd:System name='a:b'/></ssd:SystemStructureDescription>", 2),
-              "The name \"a:b\" holds a \":\", which parts model and number.");
+    EXPECT_EQ(read(head + "<ssd:System name='a:b'/></ssd:SystemStructureDescription>").model->name(),
+              u"a%3Ab");
 }
 
 TEST_F(SsdReaderTest, DescriptionHasExactlyOneSystem)
@@ -199,6 +212,25 @@ TEST_F(SsdReaderTest, ManyBlocksAreRead)
     ASSERT_NE(last, nullptr);
     EXPECT_EQ(last->zid(), "plant:100000");
     EXPECT_EQ(document.model->findByHandle(last->handle()), last);
+}
+
+TEST_F(SsdReaderTest, CountsAreBounded)
+{
+    const std::string three = system(
+        "<ssd:Elements><ssd:Component name='A'/><ssd:Component name='B'/></ssd:Elements><ssd:Connections>"
+        "<ssd:Connection/><ssd:Connection/><ssd:Connection/></ssd:Connections>");
+    EXPECT_EQ(read(three, {.blocks = 3, .connections = 3}).model->blockCount(), 2U);
+    EXPECT_EQ(refusal(three, 3, {.blocks = 2}), "The document has more than 2 blocks.");
+    EXPECT_EQ(refusal(three, 3, {.connections = 2}), "The document has more than 2 connections.");
+}
+
+TEST_F(SsdReaderTest, ForeignNamesAreEscapedAndShortenedInErrors)
+{
+    const std::string name = "&#xA;\xC2\x9B" + std::string(5'000'000, 'n');
+    const std::string twice = "<ssd:Component name='" + name + "'/>";
+    const std::string reason = refusal(elements(twice + twice), 3);
+    EXPECT_TRUE(reason.starts_with("The name \"\\n\\u009bnnn")) << reason;
+    EXPECT_LT(reason.size(), 200U);
 }
 
 }  // namespace

@@ -6,11 +6,13 @@
 #include "reference_host/ssp/SsdWriter.hpp"
 #include "tests/reference_host/model/DiagramTest.hpp"
 
+#include <libxml/parser.h>
 #include <unistd.h>
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <map>
 
 namespace reference_host {
 
@@ -76,7 +78,15 @@ class SsdWriterTest : public DiagramTest {
 protected:
     static std::shared_ptr<Model> readModel(const std::string& document)
     {
-        return std::shared_ptr<Model>(read(document).model);
+        std::shared_ptr<Model> model(read(document).model);
+        m_blocks[model.get()] = model->blocks();
+        return model;
+    }
+
+    /// The description of a model that `readModel` has read from a document.
+    static std::string write(const Model& model, const std::string& document)
+    {
+        return writeSsd(model, {document, m_blocks[&model]});
     }
 
     /// The document after an edit of its diagram.
@@ -85,13 +95,27 @@ protected:
     {
         const auto model = readModel(document);
         edit(*model);
-        return writeSsd(*model, document);
+        return write(*model, document);
+    }
+
+    /// A document in the one form that libxml2 gives to white space in tags, quotes and references.
+    static std::string inOneForm(const std::string& document)
+    {
+        const std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)> tree(
+            xmlReadMemory(document.data(), static_cast<int>(document.size()), nullptr, nullptr,
+                          XML_PARSE_HUGE),
+            &xmlFreeDoc);
+        xmlChar* text = nullptr;
+        int size = 0;
+        xmlDocDumpMemoryEnc(tree.get(), &text, &size, "UTF-8");
+        const std::string form(reinterpret_cast<const char*>(text), static_cast<std::size_t>(size));
+        xmlFree(text);
+        return form;
     }
 
     static Block& at(const Model& model, std::u16string_view path) { return *model.findByPath(path); }
 
-    /// Everything that a description says of a diagram, ports in the order in which it is written: those that
-    /// were read as they stood, then the others.
+    /// Everything that a description says of a diagram, ports in the order of their names.
     static std::string describe(const Model& model)
     {
         std::string text;
@@ -122,14 +146,14 @@ protected:
     }
 
 private:
+    inline static std::map<const Model*, std::vector<Block*>> m_blocks;
+
     static void describeBlock(const Block& block, std::string& text)
     {
         text += toUtf8(block.path()) + (block.kind() == BlockKind::System ? " system" : "") + '\n';
         for (const PortKind kind : {PortKind::Output, PortKind::Input, PortKind::Other}) {
             std::vector<Port> ports = block.ports(kind);
-            std::stable_sort(ports.begin(), ports.end(), [](const Port& a, const Port& b) {
-                return a.origin - 1 < b.origin - 1;  // 0 comes last
-            });
+            std::ranges::sort(ports, {}, &Port::name);
             for (const Port& port : ports) {
                 text += "  port " + std::to_string(static_cast<int>(kind)) + ' ' + toUtf8(port.name) + '\n';
             }
