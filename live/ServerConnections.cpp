@@ -3,7 +3,6 @@
 #include <boost/asio/ssl.hpp>
 #include <boost/beast/core.hpp>
 #include <boost/beast/http.hpp>
-#include <boost/beast/ssl.hpp>
 #include <boost/beast/websocket.hpp>
 #include <boost/beast/websocket/ssl.hpp>
 
@@ -31,7 +30,8 @@ using Error = boost::system::error_code;
 using Request = http::request<http::empty_body>;
 using Response = http::response<http::string_body>;
 using PlainStream = beast::tcp_stream;
-using TlsStream = beast::ssl_stream<beast::tcp_stream>;
+// Not beast::ssl_stream: clang finds two equal teardown functions for it.
+using TlsStream = ssl::stream<beast::tcp_stream>;
 
 constexpr unsigned headLimit = 8 * 1024;
 
