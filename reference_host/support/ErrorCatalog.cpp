@@ -17,10 +17,10 @@ constexpr std::array hostMessages{
     CatalogMessage{"ValueIsHeld", "{0}: the value belongs to a container: {1}"},
     CatalogMessage{"ValueIsLent", "{0}: the value is borrowed by a call that is under way: {1}"},
     CatalogMessage{"ValueIsPersistent", "{0}: the value is persistent already: {1}"},
-    CatalogMessage{"ContainsItself", "{0}: the value cannot hold itself: {1}"},
+    CatalogMessage{"ContainsItself", "{0}: a container cannot contain itself: {1}"},
     CatalogMessage{"NestedTooDeep",
-                   "{0}: no value stands more than {1} containers deep, and this one holds as many: {2}"},
-    CatalogMessage{"FieldIsSet", "{0}: the field \"{1}\" holds a value already: {2}"},
+                   "{0}: containers can be nested {1} deep, and the value reaches that depth: {2}"},
+    CatalogMessage{"FieldIsSet", "{0}: the field \"{1}\" is set already: {2}"},
     CatalogMessage{"OutputGivenTwice", "{0}: {1} gives one value as output {2} and as output {3}: {4}"},
     CatalogMessage{"SlotIsFilled", "{0}: output slot {1} is not null before the call"},
     CatalogMessage{"DiagnosticHasEnded", "{0}: the diagnostic was reported, thrown or discarded before"},
@@ -42,7 +42,7 @@ constexpr std::array hostMessages{
     CatalogMessage{"NothingInFlight", "{0}: was not called inside a catch clause"},
     CatalogMessage{"OutOfMemory", "{0}: out of memory"},
     CatalogMessage{"Exception", "{1}"},
-    CatalogMessage{"UnknownException", "{0}: something was thrown that is not an exception"},
+    CatalogMessage{"UnknownException", "{0}: an exception of an unknown type was thrown"},
     CatalogMessage{"InjectedFault", "{0}: was told to fail"},
 };
 
