@@ -96,9 +96,9 @@ void throwHostError(const char* key, MessageArguments arguments)
 
 void throwMisuse(const char* key, MessageArguments arguments)
 {
-    zmsvException error = hostError(key, std::move(arguments));
+    const zmsvException error = hostError(key, std::move(arguments));
     Ledger::recordMisuse(error.what());
-    throw error;  // NOLINT(misc-throw-by-value-catch-by-reference): recorded before it is thrown
+    throw zmsvException(error);
 }
 
 void requirePointer(const void* pointer, std::size_t count)
