@@ -19,7 +19,7 @@ constexpr std::array hostMessages{
     CatalogMessage{"ValueIsPersistent", "{0}: the value is persistent already: {1}"},
     CatalogMessage{"ContainsItself", "{0}: a container cannot contain itself: {1}"},
     CatalogMessage{"NestedTooDeep",
-                   "{0}: containers can be nested {1} deep, and the value reaches that depth: {2}"},
+                   "{0}: values can be at most {1} containers deep, and this one would be deeper: {2}"},
     CatalogMessage{"FieldIsSet", "{0}: the field \"{1}\" is set already: {2}"},
     CatalogMessage{"OutputGivenTwice", "{0}: {1} gives one value as output {2} and as output {3}: {4}"},
     CatalogMessage{"SlotIsFilled", "{0}: output slot {1} is not null before the call"},

@@ -697,8 +697,8 @@ TEST_F(Rebinding, NoRebindingIsPendingAfterShortMemory)
 
 TEST_F(Rebinding, OfTwoObjectsTheFirstIsTaken)
 {
-    const rh::OwnedValue second = rh::ClassObjects::construct("Zelmar.HMI.InstrumentedSignals");
-    const rh::OwnedValue both = rh::ClassObjects::makeObjectArray(
+    const rh::OwnedValue second = rh::ObjectAccess::construct("Zelmar.HMI.InstrumentedSignals");
+    const rh::OwnedValue both = rh::ObjectAccess::makeObjectArray(
         "Zelmar.HMI.InstrumentedSignals",
         {rh::objects(object.get()).front(), rh::objects(second.get()).front()});
     bool& ofFirst = RebindingAccess::pending(*InstrumentedSignals::getFromNVArray(object.get()));
