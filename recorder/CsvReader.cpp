@@ -11,6 +11,9 @@ namespace {
 
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
+// A field takes a hundred times the memory of the one comma that it can consist of.
+constexpr std::size_t maximumFields = 1'000'000;
+
 }  // namespace
 
 CsvReader::CsvReader(std::string_view text, std::string source) : m_rest(text), m_source(std::move(source))
@@ -29,6 +32,9 @@ bool CsvReader::next()
     m_fieldCount = 0;
     bool another = true;
     while (another) {
+        if (m_fieldCount == maximumFields) {
+            fail("TooManyFields", m_line);
+        }
         if (m_fieldCount == m_fields.size()) {
             m_fields.emplace_back();
         }

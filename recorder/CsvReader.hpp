@@ -16,8 +16,8 @@ struct CsvField {
 
 /// Takes a CSV text apart, record by record, as RFC 4180 has it: commas, fields in double quotes that may
 /// hold commas, line ends and doubled quotes. Lines end in LF or CR LF, the last one may go without; a
-/// byte order mark at the beginning is skipped. Blanks belong to a field. Errors are host errors that
-/// name file, line and column.
+/// byte order mark at the beginning is skipped. Blanks belong to a field. A record has at most 1,000,000
+/// fields. Errors are host errors that name file, line and column.
 class CsvReader {
 public:
     /// `source` is what errors call the text. REQUIRES: the text outlives the reader.

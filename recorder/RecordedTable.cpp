@@ -2,15 +2,14 @@
 
 #include "recorder/CsvReader.hpp"
 #include "recorder/RecordingErrors.hpp"
+#include "reference_host/support/FileReading.hpp"
 #include "reference_host/support/TextConversion.hpp"
 
 #include <algorithm>
-#include <cerrno>
 #include <charconv>
 #include <cmath>
-#include <fstream>
 #include <limits>
-#include <system_error>
+#include <stdexcept>
 #include <utility>
 
 namespace recorder {
@@ -18,7 +17,7 @@ namespace recorder {
 namespace {
 
 constexpr const char* timeHeader = "time";
-constexpr std::streamsize partSize = 65536;
+constexpr std::size_t maximumTableBytes = std::size_t{256} << 20U;
 constexpr std::uint64_t firstValueColumn = 2;  // as people count columns
 
 /// Well-formed UTF-8, whatever the bytes are.
@@ -27,29 +26,13 @@ std::string shown(const std::string& bytes)
     return reference_host::utf8FromUtf16(reference_host::utf16FromUtf8(bytes));
 }
 
-[[noreturn]] void failToRead(const std::filesystem::path& file)
-{
-    const std::error_code why(errno == 0 ? EIO : errno, std::generic_category());
-    throw recordingError("UnreadableFile", {shown(file.string()), why.message()});
-}
-
 std::string readText(const std::filesystem::path& file)
 {
-    errno = 0;
-    std::ifstream in(file, std::ios::binary);
-    if (!in) {
-        failToRead(file);
+    try {
+        return reference_host::readRegularFile(file, maximumTableBytes);
+    } catch (const std::runtime_error& reason) {
+        throw recordingError("UnreadableFile", {shown(file.string()), std::string(reason.what())});
     }
-    std::string text;
-    std::vector<char> part(partSize);
-    while (in) {
-        in.read(part.data(), partSize);
-        text.append(part.data(), static_cast<std::size_t>(in.gcount()));
-    }
-    if (in.bad()) {  // a folder, say: it opens but does not read
-        failToRead(file);
-    }
-    return text;
 }
 
 [[noreturn]] void failAt(const char* key, const CsvReader& csv, std::size_t index, const std::string& header)

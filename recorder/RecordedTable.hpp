@@ -33,7 +33,8 @@ public:
         std::vector<double> values;
     };
 
-    /// Reads a file. What is wrong with it is a host error that names file, line and column.
+    /// Reads a regular file of at most 256 MiB. What is wrong with it is a host error that names file, line
+    /// and column.
     static RecordedTable read(const std::filesystem::path& file, const Checkpoint& checkpoint = {});
 
     /// The same from a text; `source` is what errors call it.

@@ -20,6 +20,7 @@ constexpr std::array messages{
     Message{"TextAfterQuote", "{0}:{1}: column {2}: text follows the closing quote."},
     Message{"OpenQuote", "{0}:{1}: column {2}: the quote that begins the field is never closed."},
     Message{"StrayReturn", "{0}:{1}: column {2}: a carriage return stands without a line feed."},
+    Message{"TooManyFields", "{0}:{1}: column {2}: the record has more fields than are accepted."},
     Message{"NotUtf8", "{0}:{1}: column {2}: the text is not UTF-8."},
     Message{"NotANumber", "{0}:{1}: column {2} (\"{3}\"): \"{4}\" is not a number."},
     Message{"NumberTooLarge", "{0}:{1}: column {2} (\"{3}\"): {4} is out of a number's range."},

@@ -47,6 +47,13 @@ TEST(CsvReader, EmptyFieldsCount)
     EXPECT_EQ(recordsOf(",\n,,x,\n"), (Records{{"", ""}, {"", "", "x", ""}}));
 }
 
+TEST(CsvReader, FieldsOfARecordAreLimited)
+{
+    EXPECT_EQ(recordsOf(std::string(999'999, ',')).front().size(), 1'000'000U);
+    EXPECT_EQ(errorText("TooManyFields", [] { recordsOf("\n" + std::string(1'000'000, ',')); }),
+              "t.csv:2: column 1000001: the record has more fields than are accepted.");
+}
+
 TEST(CsvReader, BlanksBelongToTheField)
 {
     EXPECT_EQ(recordsOf(" a , b\n"), (Records{{" a ", " b"}}));

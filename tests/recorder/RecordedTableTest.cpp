@@ -2,8 +2,11 @@
 
 #include "tests/recorder/RecorderTest.hpp"
 
+#include <sys/stat.h>
 #include <clocale>
 #include <cmath>
+#include <filesystem>
+#include <fstream>
 #include <limits>
 #include <stdexcept>
 #include <vector>
@@ -114,6 +117,23 @@ TEST_F(RecordedTableTest, FileThatCannotBeReadIsNamed)
               pathOf("none.csv") + ": No such file or directory");
     EXPECT_EQ(errorText("UnreadableFile", [&] { RecordedTable::read(m_folder); }),
               m_folder.string() + ": Is a directory");
+}
+
+TEST_F(RecordedTableTest, OnlyRegularFilesAreRead)
+{
+    EXPECT_EQ(errorText("UnreadableFile", [] { RecordedTable::read("/dev/zero"); }),
+              "/dev/zero: It is not a regular file.");
+    ASSERT_EQ(::mkfifo(pathOf("fifo").c_str(), 0600), 0);
+    EXPECT_EQ(errorText("UnreadableFile", [&] { RecordedTable::read(pathOf("fifo")); }),
+              pathOf("fifo") + ": It is not a regular file.");
+}
+
+TEST_F(RecordedTableTest, FileThatIsTooLargeIsNotRead)
+{
+    std::ofstream(pathOf("t.csv")) << "time,x\n0,4\n";
+    std::filesystem::resize_file(pathOf("t.csv"), (std::size_t{256} << 20U) + 1);  // sparse
+    EXPECT_EQ(errorText("UnreadableFile", [&] { RecordedTable::read(pathOf("t.csv")); }),
+              pathOf("t.csv") + ": It is larger than 268435456 bytes.");
 }
 
 TEST_F(RecordedTableTest, CheckpointEndsTheReading)
