@@ -8,13 +8,18 @@
 
 namespace reference_host {
 
-/// Writes a file so that, whatever happens meanwhile, its name leads to the former content or to the new
-/// one, whole: into a temporary file beside it, which is synced and then takes the name. A link is followed,
-/// so that the file which it names is replaced; a file that is there keeps its permissions, and one that may
-/// not be written or is no regular file is refused. A failure (a full disk, say) is a host error
-/// ("UnwritableFile": file, reason); then the temporary file is gone and the former content is there, unless
-/// it was only the last step that failed, syncing the folder. A process that is killed may leave its
-/// temporary file behind: a dot, the name and random digits.
+/// Writes a file so that its name leads to the former content or to the new one, whole, also after a crash:
+/// into a temporary file beside it, which is synced and then renamed. A link is followed, so that the file
+/// which it names is replaced. A file that is there keeps its permissions, and its owner and group where this
+/// process may set them; extended attributes, access control lists and further hard links are not kept. A
+/// file that may not be written, or is no regular file, is refused.
+///
+/// A failure (a full disk, for example) is a host error "UnwritableFile" (file, reason); the former content
+/// is there then, and no temporary file. Only when the file has been replaced and syncing its folder fails,
+/// it is "FileNotDurable" (file, reason).
+///
+/// A process that is killed leaves its temporary file behind: a dot, the name, a dot and 12 hexadecimal
+/// digits. The next call for a file in that folder with the same extension removes it.
 ZM_REFHOST_API void writeFileAtomically(const std::filesystem::path& file, std::string_view bytes);
 
 }  // namespace reference_host

@@ -5,14 +5,18 @@
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
 #include <sched.h>
+#include <sys/file.h>
 #include <sys/mount.h>
 #include <sys/ptrace.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
@@ -27,6 +31,23 @@
 namespace fs = std::filesystem;
 
 using reference_host::writeFileAtomically;
+
+namespace {
+
+int folderSyncError = 0;
+
+}  // namespace
+
+/// The system's call, but for folders, whose syncing fails with the given error.
+extern "C" __attribute__((visibility("default"))) int fsync(int file)
+{
+    struct stat status {};
+    if (folderSyncError != 0 && ::fstat(file, &status) == 0 && S_ISDIR(status.st_mode)) {
+        errno = folderSyncError;
+        return -1;
+    }
+    return static_cast<int>(::syscall(SYS_fsync, file));
+}
 
 namespace {
 
@@ -339,6 +360,84 @@ TEST_F(AtomicFileTest, FullDiskLeavesTheFormerFile)
         GTEST_SKIP() << "A full disk was not tried: this process may not mount a file system.";
     }
     EXPECT_EQ(status, 0);
+}
+
+TEST_F(AtomicFileTest, FolderThatCannotBeSyncedIsToldWithTheFileWritten)
+{
+    put(path("a"), "former");
+    folderSyncError = EIO;
+    const std::string reason = refusal(path("a"));
+    folderSyncError = 0;
+    EXPECT_EQ(reason, path("a").string() +
+                          ": The file is written, but may not be there after a power failure: its folder "
+                          "could not be synced: Input/output error");
+    EXPECT_EQ(content(path("a")), "new");
+    EXPECT_EQ(names(), std::set<std::string>{"a"});
+}
+
+TEST_F(AtomicFileTest, FileSystemThatHasNoSyncOfFoldersIsAccepted)
+{
+    folderSyncError = EINVAL;
+    const std::string reason = refusal(path("a"));
+    folderSyncError = 0;
+    EXPECT_EQ(reason, "written");
+}
+
+TEST_F(AtomicFileTest, OwnerAndGroupAreKept)
+{
+    if (::geteuid() != 0) {
+        GTEST_SKIP() << "Only the administrator can give files away.";
+    }
+    put(path("a"), "former");
+    fs::permissions(path("a"), fs::perms(0640));
+    ASSERT_EQ(::chown(path("a").c_str(), 65534, 65533), 0);
+    writeFileAtomically(path("a"), "new");
+    struct stat status {};
+    ASSERT_EQ(::stat(path("a").c_str(), &status), 0);
+    EXPECT_EQ(status.st_uid, 65534U);
+    EXPECT_EQ(status.st_gid, 65533U);
+    EXPECT_EQ(mode(path("a")), 0640U);
+}
+
+TEST_F(AtomicFileTest, FileOfAnotherOwnerIsReplacedWithoutItsRights)
+{
+    put(path("a"), "former");
+    fs::permissions(path("a"), fs::perms(06777));
+    fs::permissions(m_folder, fs::perms(0777));
+    if (::geteuid() != 0) {
+        GTEST_SKIP() << "The file belongs to this user.";
+    }
+    {
+        const AsNobody nobody;
+        writeFileAtomically(path("a"), "new");
+    }
+    EXPECT_EQ(content(path("a")), "new");
+    EXPECT_EQ(mode(path("a")), 0777U);
+}
+
+TEST_F(AtomicFileTest, TemporaryFilesOfKilledProcessesAreRemoved)
+{
+    put(path(".a.ssp.0123456789ab"), "stale");
+    put(path(".b.ssp.ba9876543210"), "stale");
+    const std::set<std::string> others{".c.txt.0123456789ab", ".d.ssp.0123456789aB", ".e.ssp.0123",
+                                       "f.ssp.0123456789ab", ".ssp.0123456789ab"};
+    for (const std::string& other : others) {
+        put(path(other), "of others");
+    }
+    writeFileAtomically(path("a.ssp"), "new");
+    std::set<std::string> left = others;
+    left.insert("a.ssp");
+    EXPECT_EQ(names(), left);
+}
+
+TEST_F(AtomicFileTest, TemporaryFileThatIsBeingWrittenStays)
+{
+    put(path(".a.ssp.0123456789ab"), "of another process");
+    const int writer = ::open(path(".a.ssp.0123456789ab").c_str(), O_RDONLY);
+    ASSERT_EQ(::flock(writer, LOCK_EX), 0);
+    writeFileAtomically(path("a.ssp"), "new");
+    EXPECT_EQ(names(), (std::set<std::string>{".a.ssp.0123456789ab", "a.ssp"}));
+    ::close(writer);
 }
 
 /// Two contents of different lengths, one of which a file has at any moment.
