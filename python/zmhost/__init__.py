@@ -25,6 +25,7 @@ import sys
 from collections.abc import Callable
 from typing import TYPE_CHECKING, Any, TypeVar
 
+from zmhost import _interpreter  # before all others: it raises where they must not be imported
 from zmhost import _classes, _library, _location, _zmhost, editor, faults
 from zmhost._argument_errors import word_argument_errors
 from zmhost._classes import HostObject, Namespace, ObjectArray
