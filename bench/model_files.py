@@ -5,6 +5,9 @@
 The numbers are blocks and output ports. Each size runs in a process of its own; the small one several times,
 of which the fastest counts. The last column is the time for one signal in the large diagram over that in the
 small one.
+
+Opening the archive and saving it again are compared with a floor: the same bytes through bare libxml2, libzip
+and nlohmann-json, without a model (bench/FileFloor.cpp).
 """
 
 from __future__ import annotations
@@ -20,7 +23,9 @@ from collections.abc import Callable
 from pathlib import Path
 from typing import Any
 
-GENERATOR = Path(__file__).parents[1] / "examples" / "large_diagram.py"
+PROJECT = Path(__file__).parents[1]
+GENERATOR = PROJECT / "examples" / "large_diagram.py"
+FLOOR = PROJECT / "build" / "gcc" / "bin" / "zm_file_floor"
 REPEATS = 5
 Seconds = dict[str, float]
 
@@ -93,6 +98,12 @@ def run(folder: Path, blocks: int, outputs: int) -> dict[str, Any]:
     return measured
 
 
+def run_floor(folder: Path, outputs: int) -> dict[str, Any]:
+    command = [FLOOR, folder / f"{outputs}.ssp", folder / "floor.ssp"]
+    measured: dict[str, Any] = json.loads(subprocess.run(command, check=True, stdout=subprocess.PIPE).stdout)
+    return measured
+
+
 def show(small: Seconds, large: Seconds, small_count: int, large_count: int) -> None:
     print(f"{'stage':24}{'seconds':>10}{f'µs a signal at {small_count:,}':>24}{f'at {large_count:,}':>12}{'ratio':>8}")
     for stage in large:
@@ -112,13 +123,19 @@ def main() -> None:
     with tempfile.TemporaryDirectory() as folder:
         runs = [run(Path(folder), *options.small)["seconds"] for _ in range(REPEATS)]
         large = run(Path(folder), *options.large)
+        floor = run_floor(Path(folder), options.large[1])
         megabytes = [(file.name, file.stat().st_size / 1e6) for file in Path(folder).glob(f"{options.large[1]}.ss?")]
     small = {stage: min(each[stage] for each in runs) for stage in runs[0]}
     small["all"] = min(sum(each.values()) for each in runs)
     large["seconds"]["all"] = sum(large["seconds"].values())
     show(small, large["seconds"], options.small[1], options.large[1])
     sizes = ", ".join(f"{name} has {size:.1f} MB" for name, size in sorted(megabytes))
-    print(f"\nAt most {large['peak'] / 1024:.0f} MiB of memory were in use; {sizes}.")
+    files = large["seconds"]["open the archive"] + large["seconds"]["save again"]
+    print(
+        f"\nOpening the archive and saving it take {files:.2f} s, {files / floor['seconds']:.1f} times the floor of "
+        f"{floor['seconds']:.2f} s, which needs {floor['peak'] / 1024:.0f} MiB."
+    )
+    print(f"At most {large['peak'] / 1024:.0f} MiB of memory were in use; {sizes}.")
 
 
 if __name__ == "__main__":
