@@ -64,6 +64,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     try {
         const Archive archive({reinterpret_cast<const char*>(data), size}, limits);
+        archive.verify();
         try {
             checkAccepted(archive);
         } catch (const zmsvException&) {

@@ -1,11 +1,11 @@
 #include "reference_host/ssp/Archive.hpp"
 
-#include "reference_host/ssp/ArchiveDirectory.hpp"
 #include "reference_host/ssp/ZipLibrary.hpp"
 #include "reference_host/support/TextConversion.hpp"
 
 #include <algorithm>
-#include <iterator>
+#include <array>
+#include <cstdint>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
@@ -14,8 +14,10 @@ namespace reference_host {
 
 namespace {
 
-constexpr std::uint64_t storedMethod = 0;
-constexpr std::uint64_t deflatedMethod = 8;
+struct Entry {
+    std::string name;
+    std::uint64_t size = 0;  // unpacked
+};
 
 bool isFolder(std::string_view name)
 {
@@ -76,12 +78,12 @@ bool comesBefore(std::string_view left, std::string_view right)
     return rank(*l) < rank(*r);
 }
 
-/// No path twice, be it as a file and as a folder, and nothing below a file.
-void checkNamesTogether(const std::vector<ArchiveEntry>& entries)
+/// No path twice, neither as a file and as a folder, and nothing below a file.
+void checkNamesTogether(const std::vector<Entry>& entries)
 {
     std::vector<std::string_view> names;
     names.reserve(entries.size());
-    for (const ArchiveEntry& entry : entries) {
+    for (const Entry& entry : entries) {
         names.push_back(entry.name);
     }
     std::ranges::sort(names, comesBefore);
@@ -97,32 +99,26 @@ void checkNamesTogether(const std::vector<ArchiveEntry>& entries)
     }
 }
 
-void checkEntry(const ArchiveEntry& entry)
+void checkCount(std::uint64_t count, const ArchiveLimits& limits)
 {
-    checkName(entry.name);
-    if (entry.isEncrypted) {
-        refuseEntry(entry.name, "EntryEncrypted");
-    }
-    if (entry.method != storedMethod && entry.method != deflatedMethod) {
-        refuseEntry(entry.name, "EntryMethod", {entry.method});
-    }
-    if (isFolder(entry.name) && entry.unpackedSize != 0) {
-        refuseEntry(entry.name, "FolderWithContent");
+    if (count > limits.entries) {
+        refuseArchive("TooManyEntries", {count, std::uint64_t{limits.entries}});
     }
 }
 
-void checkEntries(const std::vector<ArchiveEntry>& entries, const ArchiveLimits& limits)
+void checkEntries(const std::vector<Entry>& entries, const ArchiveLimits& limits)
 {
-    if (entries.size() > limits.entries) {
-        refuseArchive("TooManyEntries", {std::uint64_t{entries.size()}, std::uint64_t{limits.entries}});
-    }
+    checkCount(entries.size(), limits);
     std::uint64_t rest = limits.unpackedBytes;
-    for (const ArchiveEntry& entry : entries) {
-        checkEntry(entry);
-        if (entry.unpackedSize > rest) {
+    for (const Entry& entry : entries) {
+        checkName(entry.name);
+        if (isFolder(entry.name) && entry.size != 0) {
+            refuseEntry(entry.name, "FolderWithContent");
+        }
+        if (entry.size > rest) {
             refuseArchive("UnpackedTooLarge", {std::uint64_t{limits.unpackedBytes}});
         }
-        rest -= entry.unpackedSize;
+        rest -= entry.size;
     }
     checkNamesTogether(entries);
 }
@@ -134,90 +130,102 @@ void checkPackedSize(std::uint64_t size, const ArchiveLimits& limits)
     }
 }
 
-/// What is new in an archive, deflated, as an archive of its own whose pieces then go where they belong.
-struct NewEntries {
-    std::string bytes;
-    ArchiveDirectory directory;
-    std::unordered_map<std::string_view, const ArchiveEntry*> byName;  // null: the entry is to go
+/// What the archive's directory says of an entry. Its name in code page 437 becomes UTF-8.
+Entry entryAt(zip_t* archive, std::uint64_t position)
+{
+    zip_stat_t stat{};
+    if (zip_stat_index(archive, position, 0, &stat) < 0 || stat.name == nullptr) {
+        refuseArchive("ArchiveDamaged", {zipReason(zip_get_error(archive))});
+    }
+    if (stat.encryption_method != ZIP_EM_NONE) {
+        refuseEntry(stat.name, "EntryEncrypted");
+    }
+    if (stat.comp_method != ZIP_CM_STORE && stat.comp_method != ZIP_CM_DEFLATE) {
+        refuseEntry(stat.name, "EntryMethod", {std::uint64_t{stat.comp_method}});
+    }
+    return {stat.name, stat.size};
+}
 
-    explicit NewEntries(const std::vector<ArchiveChange>& changes);
+std::vector<Entry> entriesOf(zip_t* archive, const ArchiveLimits& limits)
+{
+    const auto count = static_cast<std::uint64_t>(zip_get_num_entries(archive, 0));
+    checkCount(count, limits);
+    std::vector<Entry> entries;
+    for (std::uint64_t i = 0; i < count; ++i) {
+        entries.push_back(entryAt(archive, i));
+    }
+    return entries;
+}
+
+struct CloseEntry {
+    void operator()(zip_file_t* file) const noexcept { zip_fclose(file); }
 };
 
-NewEntries::NewEntries(const std::vector<ArchiveChange>& changes)
+/// Passes the content of an entry on in parts, no more than the entry declares. When this returns, the
+/// library has found the checksum right.
+template <class Take>
+void unpack(zip_t* archive, std::uint64_t position, const Entry& entry, const Take& take)
 {
-    std::vector<UnpackedEntry> contents;
-    for (const ArchiveChange& change : changes) {
-        checkName(change.name);
-        if (!byName.emplace(change.name, nullptr).second) {
-            refuseEntry(change.name, "EntryRepeated");
-        }
-        if (change.content) {
-            contents.push_back({change.name, *change.content});
-        }
+    const std::unique_ptr<zip_file_t, CloseEntry> file(zip_fopen_index(archive, position, 0));
+    if (file == nullptr) {
+        refuseEntry(entry.name, "EntryDamaged", {zipReason(zip_get_error(archive))});
     }
-    if (contents.empty()) {
-        return;
-    }
-    bytes = deflatedArchive(contents);
-    directory = readArchiveDirectory(bytes, contents.size());
-    clearTimes(bytes, directory);
-    for (const ArchiveEntry& entry : directory.entries) {
-        byName.at(entry.name) = &entry;
+    std::array<char, 65536> part;
+    std::uint64_t total = 0;
+    for (;;) {
+        const zip_int64_t size = zip_fread(file.get(), part.data(), part.size());
+        if (size < 0) {
+            refuseEntry(entry.name, "EntryDamaged", {zipReason(zip_file_get_error(file.get()))});
+        }
+        total += static_cast<std::uint64_t>(size);
+        if (total > entry.size || (size == 0 && total < entry.size)) {
+            refuseEntry(entry.name, "EntryLength", {entry.size});
+        }
+        if (size == 0) {
+            return;
+        }
+        take(std::string_view(part.data(), static_cast<std::size_t>(size)));
     }
 }
 
-/// The entries of the new archive, in their order.
-std::vector<ArchiveEntry> merge(const std::vector<ArchiveEntry>& old, const NewEntries& changes)
+/// Changes the archive and the list of its entries, in which a removed one keeps its place without a name.
+void apply(const ArchiveChange& change, zip_t* archive, std::vector<Entry>& entries)
 {
-    std::vector<ArchiveEntry> merged;
-    std::unordered_set<std::string_view> replaced;
-    for (const ArchiveEntry& entry : old) {
-        const auto change = changes.byName.find(entry.name);
-        if (change == changes.byName.end()) {
-            merged.push_back(entry);
-        } else if (change->second != nullptr) {
-            merged.push_back(*change->second);
-            replaced.insert(entry.name);
-        }
+    const auto former = std::ranges::find(entries, change.name, &Entry::name);
+    if (former != entries.end()) {
+        zip_delete(archive, static_cast<zip_uint64_t>(former - entries.begin()));
+        former->name.clear();
     }
-    std::ranges::copy_if(changes.directory.entries, std::back_inserter(merged),
-                         [&](const ArchiveEntry& entry) { return !replaced.contains(entry.name); });
-    return merged;
-}
-
-/// What a plain archive (without ZIP64) can hold at most.
-ArchiveLimits plainLimits(const ArchiveLimits& limits)
-{
-    return {.packedBytes = std::min<std::size_t>(limits.packedBytes, 0xFFFFFFFE),
-            .unpackedBytes = limits.unpackedBytes,
-            .entries = std::min<std::size_t>(limits.entries, 0xFFFF)};
+    if (change.content) {
+        addZipEntry(archive, change.name, *change.content);
+        entries.push_back({change.name, change.content->size()});
+    }
 }
 
 }  // namespace
 
 struct Archive::Content {
     std::string bytes;
-    ArchiveDirectory directory;
+    Zip archive;
+    std::vector<Entry> entries;
     std::vector<std::string> names;
-    std::unordered_map<std::string_view, std::size_t> positions;  // into both, by name
-    ZipReader reader;
+    std::unordered_map<std::string_view, std::size_t> positions;  // by name
+    std::vector<bool> isVerified;
 
-    Content(std::string archive, const ArchiveLimits& limits);
+    Content(std::string content, const ArchiveLimits& limits);
 };
 
-Archive::Content::Content(std::string archive, const ArchiveLimits& limits) : bytes(std::move(archive))
+Archive::Content::Content(std::string content, const ArchiveLimits& limits) : bytes(std::move(content))
 {
     checkPackedSize(bytes.size(), limits);
-    directory = readArchiveDirectory(bytes, limits.entries);
-    checkEntries(directory.entries, limits);
-    for (const ArchiveEntry& entry : directory.entries) {
+    archive = openZip(bytes);
+    entries = entriesOf(archive.get(), limits);
+    checkEntries(entries, limits);
+    for (const Entry& entry : entries) {
         positions.emplace(entry.name, names.size());
-        names.emplace_back(entry.name);
+        names.push_back(entry.name);
     }
-    reader = ZipReader(bytes, directory.entries);
-    for (std::size_t i = 0; i < names.size(); ++i) {
-        reader.unpack(i, directory.entries[i], [](std::string_view) {});
-    }
+    isVerified.resize(entries.size());
 }
 
 Archive::Archive(std::string bytes, const ArchiveLimits& limits)
@@ -237,31 +245,66 @@ bool Archive::has(std::string_view name) const
     return m_content->positions.contains(name);
 }
 
-std::string Archive::read(std::string_view name) const
+std::string Archive::read(std::string_view name, std::size_t maximum) const
 {
     const auto found = m_content->positions.find(name);
     if (found == m_content->positions.end()) {
         refuseEntry(name, "EntryMissing");
     }
-    const std::size_t position = found->second;
-    const ArchiveEntry& entry = m_content->directory.entries[position];
+    const Entry& entry = m_content->entries[found->second];
+    if (entry.size > maximum) {
+        refuseEntry(name, "EntryTooLarge", {entry.size, std::uint64_t{maximum}});
+    }
     std::string result;
-    result.reserve(entry.unpackedSize);
-    m_content->reader.unpack(position, entry, [&result](std::string_view part) { result += part; });
+    result.reserve(entry.size);
+    unpack(m_content->archive.get(), found->second, entry,
+           [&result](std::string_view part) { result += part; });
+    m_content->isVerified[found->second] = true;
     return result;
+}
+
+void Archive::verify() const
+{
+    for (std::size_t i = 0; i < m_content->entries.size(); ++i) {
+        if (!m_content->isVerified[i]) {
+            unpack(m_content->archive.get(), i, m_content->entries[i], [](std::string_view) {});
+            m_content->isVerified[i] = true;
+        }
+    }
+}
+
+std::string Archive::obstacleTo(const std::vector<std::string>& names) const
+{
+    for (const std::string& name : names) {
+        for (const std::string& entry : m_content->names) {
+            const bool isAbove = !isFolder(entry) && name.starts_with(entry + "/");
+            if (isAbove || entry.starts_with(name + "/")) {
+                return entry;
+            }
+        }
+    }
+    return {};
 }
 
 std::string Archive::pack(const Archive* base, const std::vector<ArchiveChange>& changes,
                           const ArchiveLimits& limits)
 {
-    static const ArchiveDirectory none;
-    const ArchiveDirectory& old = base == nullptr ? none : base->m_content->directory;
-    const NewEntries fresh(changes);
-    const std::vector<ArchiveEntry> entries = merge(old.entries, fresh);
-    const ArchiveLimits bounds = plainLimits(limits);
-    checkEntries(entries, bounds);
-    checkPackedSize(joinedSize(entries, old.comment), bounds);
-    return joinArchive(entries, old.comment);
+    std::vector<Entry> entries = base != nullptr ? base->m_content->entries : std::vector<Entry>();
+    ZipSource result;
+    Zip archive = openZipForWriting(base != nullptr ? std::string_view(base->m_content->bytes) : "", result);
+    std::unordered_set<std::string_view> changed;
+    for (const ArchiveChange& change : changes) {
+        checkName(change.name);
+        if (!changed.insert(change.name).second) {
+            refuseEntry(change.name, "EntryRepeated");
+        }
+        apply(change, archive.get(), entries);
+    }
+    std::erase_if(entries, [](const Entry& entry) { return entry.name.empty(); });
+    checkEntries(entries, limits);
+    std::string bytes = writtenZip(std::move(archive), result.get());
+    checkPackedSize(bytes.size(), limits);
+    return bytes;
 }
 
 }  // namespace reference_host

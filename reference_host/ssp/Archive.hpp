@@ -12,33 +12,28 @@
 
 namespace reference_host {
 
-/// What an archive may demand of us.
+/// The largest archives that are read and written.
 struct ArchiveLimits {
     std::size_t packedBytes = std::size_t{1} << 30U;
     std::size_t unpackedBytes = std::size_t{2} << 30U;  ///< of all entries together
     std::size_t entries = 65535;
 };
 
-/// An entry to be written; none stands for one that is to go.
+/// An entry to be written, or to be removed if it has no content.
 struct ArchiveChange {
     std::string name;
     std::optional<std::string> content;
 };
 
-/// A ZIP archive in memory, as SSP demands it: entries stored or deflated, with relative paths that stay
-/// inside, no two of one name, none encrypted. Reading checks all of that, every entry's length and checksum
-/// and the limits, and keeps the bytes: what becomes of the file later is nothing to it. Immutable, but not
-/// to be read by two threads at once.
+/// A ZIP archive in memory, read with libzip: entries are stored or deflated and not encrypted, their names
+/// are UTF-8 (names in code page 437 are converted), relative paths that stay inside, and unique. Later
+/// changes of the file have no effect. Immutable; one thread at a time.
 ///
-/// Strict where archives can mean two things: nothing may stand before the first entry (no self-extracting
-/// program) or after the archive's comment, no entry may reach into another, and an entry has the same name
-/// in the directory, in its own header and in any extra field. A name is UTF-8, has no backslash, drive
-/// letter or NUL, and no component that is empty, "." or "..".
+/// Errors are host errors: "InvalidArchive" (reason) about the archive as a whole, "InvalidEntry" (the
+/// entry's name in quotes, reason) about one entry.
 class ZM_REFHOST_API Archive {
 public:
-    /// Whatever is refused is a host error: "InvalidArchive" (reason) when the archive as a whole is no
-    /// good, "InvalidEntry" (the entry's name in quotes, reason) when one entry is. What an entry declares
-    /// is held against the limits before anything is unpacked, and unpacking stops where it declares its end.
+    /// Checks the directory: names, and the declared sizes against the limits. Unpacks nothing.
     explicit Archive(std::string bytes, const ArchiveLimits& limits = {});
     Archive(const Archive&) = delete;
     Archive& operator=(const Archive&) = delete;
@@ -48,14 +43,22 @@ public:
     const std::vector<std::string>& names() const noexcept;
     bool has(std::string_view name) const;
 
-    /// The unpacked bytes of an entry. REQUIRES: it is there.
-    std::string read(std::string_view name) const;
+    /// The unpacked bytes of an entry, whose length and checksum have been checked. An entry that is missing,
+    /// or declares more than `maximum` bytes, is refused before anything is unpacked.
+    std::string read(std::string_view name, std::size_t maximum = std::size_t{2} << 30U) const;
 
-    /// A new archive: the entries of an old one (null: none) in their order, byte for byte as they stand
-    /// there with all that the archive says about them, but those that `changes` replaces, in their places,
-    /// or takes away; new ones follow, deflated and without a time. The same input gives the same bytes. An
-    /// archive that these limits would refuse is not made, by the same errors; taking away what is not there
-    /// changes nothing.
+    /// Unpacks all entries that were not read yet, and checks their lengths and checksums.
+    void verify() const;
+
+    /// Why entries of these names cannot be added: the name of an entry that is a file and would have to be a
+    /// folder, or the reverse; empty if they can. An entry with the same name is no obstacle.
+    std::string obstacleTo(const std::vector<std::string>& names) const;
+
+    /// Returns a new archive: the entries of an old one (null: none) in their order, with the content and
+    /// attributes that they have, except those that `changes` names; then the new entries and the new content
+    /// of old ones, deflated and with the earliest time that ZIP has. The same input gives the same bytes. An
+    /// archive that the constructor would refuse is refused. Removing an entry that is missing has no effect.
+    /// REQUIRES: an entry is left.
     static std::string pack(const Archive* base, const std::vector<ArchiveChange>& changes,
                             const ArchiveLimits& limits = {});
 

@@ -13,21 +13,20 @@
 #include "reference_host/ssp/Archive.hpp"
 #include "reference_host/ssp/AtomicFile.hpp"
 #include "reference_host/ssp/FileErrors.hpp"
+#include "reference_host/ssp/RecordJson.hpp"
 #include "reference_host/ssp/SsdReader.hpp"
 #include "reference_host/ssp/SsdWriter.hpp"
 #include "reference_host/ssp/ToolData.hpp"
-#include "reference_host/ssp/ValueJson.hpp"
-#include "reference_host/values/ValueContainers.hpp"
+#include "reference_host/support/FileReading.hpp"
+#include "reference_host/support/QuotedText.hpp"
 #include "reference_host/values/ValueMaking.hpp"
-#include "reference_host/values/ValueReading.hpp"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdint>
-#include <fstream>
 #include <optional>
+#include <span>
+#include <stdexcept>
 #include <string>
-#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -46,6 +45,9 @@ constexpr const char* descriptionEntry = "SystemStructure.ssd";
 constexpr const char* toolDataEntry = "extra/com.zelmar.hmi/model.json";
 constexpr const char* signalsEntry = "extra/com.zelmar.hmi/signals.json";
 constexpr const char* clientsEntry = "extra/com.zelmar.hmi/clients.json";
+
+constexpr std::size_t maximumDescription = std::size_t{128} << 20U;
+constexpr std::size_t maximumOwnEntry = std::size_t{512} << 20U;
 
 /// Tells the progress of a known number of steps.
 class Steps {
@@ -107,62 +109,15 @@ bool isOpen(const Model& model)
     return OpenModels::find(model.name()).get() == &model;
 }
 
-/// The elements of all struct arrays without fields in a value, which may be any number and are nothing in
-/// its text; not counted on past the limit.
-std::size_t elementsNotInText(const nvArray* value, std::size_t limit)
-{
-    if (value == nullptr) {
-        return 0;
-    }
-    const bool isCell = value->valueClass == ValueClass::Cell;
-    const bool isStruct =
-        value->valueClass == ValueClass::Struct || value->valueClass == ValueClass::StructObject;
-    const std::size_t fields = isStruct ? fieldNames(value).size() : 0;
-    if (isStruct && fields == 0) {
-        return elementCount(value);
-    }
-    const std::size_t count = isStruct || isCell ? elementCount(value) : 0;
-    std::size_t sum = 0;
-    for (std::size_t i = 0; i < count && sum <= limit; ++i) {
-        if (isCell) {
-            sum += elementsNotInText(cell(value, i), limit);
-        }
-        for (std::size_t number = 0; number < fields && sum <= limit; ++number) {
-            sum += elementsNotInText(numberedField(value, i, number), limit);
-        }
-    }
-    return sum;
-}
-
-/// A file of a few bytes must not make a collection of any size.
-void requireElementsInText(const nvArray* persistence, const std::string& json)
-{
-    const std::size_t limit = json.size() + 65536;
-    if (elementsNotInText(persistence, limit) > limit) {
-        throw fileError("JsonUnexpected", {std::string("/"), std::string("elements with fields")});
-    }
-}
-
 // ---- opening ----------------------------------------------------------------------------------------
 
-std::string readFile(const std::filesystem::path& file, std::size_t limit)
+std::string readFile(const std::filesystem::path& file)
 {
-    errno = 0;
-    std::ifstream in(file, std::ios::binary);
-    std::error_code error(errno, std::generic_category());
-    const std::uintmax_t size = in ? std::filesystem::file_size(file, error) : 0;
-    if (!in || error) {
-        throw fileError("UnreadableFile", {shown(file), error.message()});
+    try {
+        return readRegularFile(file, ArchiveLimits().packedBytes);
+    } catch (const std::runtime_error& reason) {
+        throw fileError("UnreadableFile", {shown(file), std::string(reason.what())});
     }
-    if (size > limit) {
-        throw fileError("FileTooLarge", {shown(file), std::uint64_t{size}, std::uint64_t{limit}});
-    }
-    std::string bytes(size, '\0');
-    in.read(bytes.data(), static_cast<std::streamsize>(size));
-    if (static_cast<std::uintmax_t>(in.gcount()) != size) {
-        throw fileError("UnreadableFile", {shown(file), std::string("it ended while it was read")});
-    }
-    return bytes;
 }
 
 bool isArchive(const std::filesystem::path& file, const std::string& bytes)
@@ -173,14 +128,15 @@ bool isArchive(const std::filesystem::path& file, const std::string& bytes)
 std::shared_ptr<ModelSource> readSource(const std::filesystem::path& file)
 {
     auto source = std::make_shared<ModelSource>();
-    std::string bytes = readFile(file, ArchiveLimits().packedBytes);
+    std::string bytes = readFile(file);
     if (!isArchive(file, bytes)) {
         source->description.text = std::move(bytes);
         return source;
     }
     source->archive = inArchive(file, [&bytes] { return std::make_unique<const Archive>(std::move(bytes)); });
-    source->description.text =
-        inEntry(file, descriptionEntry, [&source] { return source->archive->read(descriptionEntry); });
+    source->description.text = inEntry(file, descriptionEntry, [&source] {
+        return source->archive->read(descriptionEntry, maximumDescription);
+    });
     return source;
 }
 
@@ -193,18 +149,19 @@ SsdDocument readDescription(const std::filesystem::path& file, const ModelSource
 /// A collection of the class that has loaded the "Persistence" which the archive keeps; null when the
 /// archive keeps none.
 OwnedValue readCollection(const std::filesystem::path& file, const Archive& archive, const char* entry,
-                          const char* className, const std::u16string& modelName)
+                          const char* className, std::span<const RecordField> form,
+                          const std::u16string& modelName)
 {
     if (!archive.has(entry)) {
         return nullptr;
     }
     return inEntry(file, entry, [&] {
-        const std::string json = archive.read(entry);
-        const OwnedValue persistence = valueFromJson(json);
-        requireElementsInText(persistence.get(), json);
+        const std::string json = archive.read(entry, maximumOwnEntry);
         const OwnedValue name = makeText(modelName);
         OwnedValue collection = ObjectAccess::construct(className, {name.get()});
-        ObjectAccess::setProperty(collection.get(), "Persistence", persistence.get());
+        recordsFromJson(json, form, [&collection](const nvArray* records) {
+            ObjectAccess::setProperty(collection.get(), "Persistence", records);  // which appends them
+        });
         return collection;
     });
 }
@@ -213,12 +170,14 @@ void readObservers(const std::filesystem::path& file, const Archive& archive, Mo
                    const NewPortNumbers& newNumbers, Steps& steps)
 {
     steps.begin("instrumented signals");
-    const OwnedValue signals = readCollection(file, archive, signalsEntry, signalsClass, model.name());
+    const OwnedValue signals =
+        readCollection(file, archive, signalsEntry, signalsClass, signalFields(), model.name());
     if (signals != nullptr && !newNumbers.empty()) {
         renumberSignals(signals.get(), newNumbers);
     }
     steps.begin("streaming clients");
-    const OwnedValue clients = readCollection(file, archive, clientsEntry, clientsClass, model.name());
+    const OwnedValue clients =
+        readCollection(file, archive, clientsEntry, clientsClass, clientFields(), model.name());
     if (signals == nullptr && clients == nullptr) {
         return;
     }
@@ -238,6 +197,7 @@ void openWithObservers(const std::filesystem::path& file, const Archive& archive
     OpenModels::add(model);
     try {
         readObservers(file, archive, *model, newNumbers, steps);
+        inArchive(file, [&archive] { archive.verify(); });
         if (OpenModels::find(name) != model) {
             throw diagramError("ModelNotOpen", {toUtf8(name)});
         }
@@ -266,10 +226,20 @@ void reportPassedOver(const std::filesystem::path& file, const std::vector<SsdWa
     }
 }
 
+/// Other programs may have put an entry where ours have to be.
+void reportObstacle(const std::filesystem::path& file, const Archive& archive)
+{
+    const std::string obstacle = archive.obstacleTo({toolDataEntry, signalsEntry, clientsEntry});
+    if (!obstacle.empty()) {
+        report(fileError("NotSavable", {shown(file), quotedText(obstacle)}));
+    }
+}
+
 // ---- saving -----------------------------------------------------------------------------------------
 
-/// A model while it is saved. Scripts run meanwhile: they hear of the progress, and the host asks them. What
-/// they edit may be in one entry and not in the other.
+/// A model while it is saved. Scripts run meanwhile: they are told of the progress, and the host may call
+/// them. So everything that is saved is taken at once, and what they change later is not in the file; where a
+/// change can be seen, saving is refused, because it is not clear which state was meant.
 class SavedModel {
 public:
     explicit SavedModel(const std::shared_ptr<const Model>& model)
@@ -285,8 +255,10 @@ public:
     SavedModel& operator=(const SavedModel&) = delete;
 
     const Model& model() const noexcept { return *m_model; }
-    const nvArray* signals() const noexcept { return m_signals.get(); }
-    const nvArray* clients() const noexcept { return m_clients.get(); }
+
+    /// The "Persistence" of the collections; null for none. The host may call scripts for it.
+    OwnedValue signals() const { return persistenceOf(m_signals); }
+    OwnedValue clients() const { return persistenceOf(m_clients); }
 
     void requireUnchanged(const std::filesystem::path& file) const
     {
@@ -297,6 +269,11 @@ public:
     }
 
 private:
+    static OwnedValue persistenceOf(const OwnedValue& collection)
+    {
+        return collection ? ObjectAccess::getProperty(collection.get(), "Persistence") : nullptr;
+    }
+
     std::pair<std::size_t, std::size_t> counts() const
     {
         const auto count = [](const OwnedValue& collection) {
@@ -313,16 +290,10 @@ private:
     std::uint64_t m_listener;
 };
 
-/// What an entry is to hold for a collection; none for no collection.
-std::optional<std::string> persistenceOf(const nvArray* collection)
+/// What an entry is to hold for a collection; none for no collection. Ends the value.
+std::optional<std::string> recordsOf(OwnedValue persistence)
 {
-    if (collection == nullptr) {
-        return std::nullopt;
-    }
-    const OwnedValue persistence = ObjectAccess::getProperty(collection, "Persistence");
-    std::string json = valueToJson(persistence.get());
-    requireElementsInText(persistence.get(), json);  // or it could not be opened
-    return json;
+    return persistence ? std::optional(recordsToJson(persistence.get())) : std::nullopt;
 }
 
 std::shared_ptr<const Model> savable(const Model& model, const std::filesystem::path& file)
@@ -342,16 +313,21 @@ std::vector<ArchiveChange> changesFor(const SavedModel& saved, const std::filesy
     const Model& model = saved.model();
     const ModelSource* source = model.source().get();
     std::vector<ArchiveChange> changes;
-    const auto add = [&](const char* step, const char* entry, const auto& content) {
-        steps.begin(step);
+    const auto add = [&](const char* entry, const auto& content) {
         changes.push_back({entry, inEntry(file, entry, content)});
     };
-    add("diagram", descriptionEntry, [&] {
+    steps.begin("diagram");
+    OwnedValue signals = inEntry(file, signalsEntry, [&] { return saved.signals(); });
+    OwnedValue clients = inEntry(file, clientsEntry, [&] { return saved.clients(); });
+    add(descriptionEntry, [&] {
         return std::optional(writeSsd(model, source != nullptr ? source->description : SsdSource()));
     });
-    add("tool data", toolDataEntry, [&] { return std::optional(toolDataOf(model)); });
-    add("instrumented signals", signalsEntry, [&] { return persistenceOf(saved.signals()); });
-    add("streaming clients", clientsEntry, [&] { return persistenceOf(saved.clients()); });
+    add(toolDataEntry, [&] { return std::optional(toolDataOf(model)); });
+    steps.begin("tool data");
+    steps.begin("instrumented signals");
+    add(signalsEntry, [&] { return recordsOf(std::move(signals)); });
+    steps.begin("streaming clients");
+    add(clientsEntry, [&] { return recordsOf(std::move(clients)); });
     return changes;
 }
 
@@ -370,8 +346,9 @@ std::shared_ptr<Model> openModel(const std::filesystem::path& file, const FilePr
     steps.begin("tool data");
     ToolDataChanges changes;
     if (source->archive != nullptr && source->archive->has(toolDataEntry)) {
-        changes = inEntry(file, toolDataEntry,
-                          [&] { return applyToolData(*model, source->archive->read(toolDataEntry)); });
+        changes = inEntry(file, toolDataEntry, [&] {
+            return applyToolData(*model, source->archive->read(toolDataEntry, maximumOwnEntry));
+        });
     }
     if (source->archive != nullptr) {
         openWithObservers(file, *source->archive, model, changes.newNumbers, steps);
@@ -379,6 +356,9 @@ std::shared_ptr<Model> openModel(const std::filesystem::path& file, const FilePr
         OpenModels::add(model);
     }
     reportPassedOver(file, document.warnings, changes.leftOver);
+    if (source->archive != nullptr) {
+        reportObstacle(file, *source->archive);
+    }
     return model;
 }
 

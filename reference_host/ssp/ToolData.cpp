@@ -4,7 +4,6 @@
 #include "reference_host/model/DiagramErrors.hpp"
 #include "reference_host/ssp/FileErrors.hpp"
 #include "reference_host/ssp/JsonDocument.hpp"
-#include "reference_host/ssp/JsonWriter.hpp"
 
 #include <algorithm>
 #include <cstddef>
@@ -23,109 +22,66 @@ constexpr const char* dataKind = "data";
 
 // ---- writing ----------------------------------------------------------------------------------------
 
-void writeText(JsonWriter& json, const char* member, const std::u16string& text)
+Json outputsToJson(const std::vector<Port>& ports)
 {
-    json.member(member);
-    json.text(text);
-}
-
-void writeNumber(JsonWriter& json, const char* member, std::uint64_t number)
-{
-    json.member(member);
-    json.unsignedInteger(number);
-}
-
-void writeOutputs(JsonWriter& json, const std::vector<Port>& ports)
-{
-    if (ports.empty()) {
-        return;
-    }
-    json.member("outputs");
-    json.beginArray();
+    Json names = Json::array();
     for (const Port& port : ports) {
-        json.text(port.name);
+        names.push_back(textToJson(port.name));
     }
-    json.endArray();
+    return names;
 }
 
-void writeParameters(JsonWriter& json, const Block& block)
+Json chartToJson(const Chart& chart)
 {
-    if (block.parameters().empty()) {
-        return;
-    }
-    json.member("parameters");
-    json.beginArray();
-    for (const auto& [name, value] : block.parameters()) {
-        json.beginObject();
-        writeText(json, "name", name);
-        writeText(json, "value", value);
-        json.endObject();
-    }
-    json.endArray();
-}
-
-void writeChart(JsonWriter& json, const Chart* chart)
-{
-    if (chart == nullptr) {
-        return;
-    }
-    json.member("chart");
-    json.beginObject();
-    writeText(json, "name", chart->name());
-    json.member("objects");
-    json.beginArray();
-    for (const ChartObject& object : chart->objects()) {
+    Json objects = Json::array();
+    for (const ChartObject& object : chart.objects()) {
         if (object.kind != ChartObjectKind::Chart) {
-            json.beginObject();
-            json.member("kind");
-            json.string(object.kind == ChartObjectKind::State ? stateKind : dataKind);
-            writeText(json, "name", object.name);
-            writeNumber(json, "parent", object.parent);
-            json.endObject();
+            objects.push_back({{"kind", object.kind == ChartObjectKind::State ? stateKind : dataKind},
+                               {"name", textToJson(object.name)},
+                               {"parent", object.parent}});
         }
     }
-    json.endArray();
-    json.endObject();
+    return {{"name", textToJson(chart.name())}, {"objects", std::move(objects)}};
 }
 
-void writeBlocks(JsonWriter& json, const Block& system)
+Json blocksToJson(const Block& system);
+
+Json blockToJson(const Block& block)
 {
-    json.member("blocks");
-    json.beginArray();
-    for (const auto& block : system.children()) {
-        json.beginObject();
-        writeText(json, "name", block->name());
-        writeNumber(json, "number", block->number());
-        writeOutputs(json, block->ports(PortKind::Output));
-        writeParameters(json, *block);
-        writeChart(json, block->chart());
-        if (!block->children().empty()) {
-            writeBlocks(json, *block);
-        }
-        json.endObject();
+    Json json = {{"name", textToJson(block.name())}, {"number", block.number()}};
+    if (const auto& outputs = block.ports(PortKind::Output); !outputs.empty()) {
+        json["outputs"] = outputsToJson(outputs);
     }
-    json.endArray();
+    for (const auto& [name, value] : block.parameters()) {
+        json["parameters"].push_back({{"name", textToJson(name)}, {"value", textToJson(value)}});
+    }
+    if (block.chart() != nullptr) {
+        json["chart"] = chartToJson(*block.chart());
+    }
+    if (!block.children().empty()) {
+        json["blocks"] = blocksToJson(block);
+    }
+    return json;
+}
+
+Json blocksToJson(const Block& system)
+{
+    Json blocks = Json::array();
+    for (const auto& block : system.children()) {
+        blocks.push_back(blockToJson(*block));
+    }
+    return blocks;
 }
 
 // ---- reading ----------------------------------------------------------------------------------------
 
-std::uint32_t numberIn(const JsonView& value)
+std::uint32_t numberIn(const Json& item)
 {
-    const std::uint64_t number = value.unsignedInteger();
-    // One is left, so that a further block can be given a number.
-    if (number >= std::numeric_limits<std::uint32_t>::max()) {
-        value.refuse("a smaller number");
+    const std::uint64_t number = unsignedIn(item);
+    if (number > std::numeric_limits<std::uint32_t>::max()) {
+        refuseJson(item, "a number of at most 32 bits");
     }
     return static_cast<std::uint32_t>(number);
-}
-
-template <class Visit>
-void forEach(const JsonView& array, const Visit& visit)
-{
-    const std::size_t count = array.count();
-    for (std::size_t i = 0; i < count; ++i) {
-        visit(array.element(i));
-    }
 }
 
 /// Sentences about what has no place any more: a bounded number of them, each of a bounded length, for a file
@@ -221,73 +177,76 @@ class ToolDataReader {
 public:
     explicit ToolDataReader(Model& model) : m_model(model) {}
 
-    void read(const JsonView& document)
+    void read(const Json& document)
     {
         checkForm(document);
-        document.requireOnly({"format", "version", "lastNumber", "blocks"});
-        m_lastNumber = numberIn(document.member("lastNumber"));
-        readBlocks(document.member("blocks"), m_model.root());
+        requireOnly(document, {"format", "version", "lastNumber", "blocks"});
+        m_lastNumber = numberIn(member(document, "lastNumber"));
+        readBlocks(member(document, "blocks"), m_model.root());
         numberBlocks();
     }
 
     ToolDataChanges takeChanges() { return {m_leftOver.take(), std::move(m_newNumbers)}; }
 
 private:
-    static void checkForm(const JsonView& document)
+    static void checkForm(const Json& document)
     {
-        const JsonView form = document.member("format");
-        if (form.string() != formName) {
-            form.refuse(formName);
+        const Json& form = member(document, "format");
+        if (stringIn(form) != formName) {
+            refuseJson(form, formName);
         }
-        const std::uint64_t version = document.member("version").unsignedInteger();
+        const Json& versionMember = member(document, "version");
+        const std::uint64_t version = unsignedIn(versionMember);
         if (version > toolDataVersion) {
             throw fileError("NewerVersion", {version, std::uint64_t{toolDataVersion}});
         }
         if (version == 0) {
-            document.member("version").refuse("a version from 1");
+            refuseJson(versionMember, "a version from 1");
         }
     }
 
-    void readBlocks(const JsonView& blocks, Block& system)
+    void readBlocks(const Json& blocks, Block& system)
     {
-        forEach(blocks, [this, &system](const JsonView& kept) {
-            const std::u16string name = kept.member("name").text();
+        for (const Json& kept : arrayIn(blocks)) {
+            const std::u16string name = textIn(member(kept, "name"));
             if (Block* block = system.child(name)) {
                 readBlock(kept, *block);
             } else {
                 m_leftOver.add("\"", [&] { return system.path() + u"/" + name; });
             }
-        });
+        }
     }
 
-    void readBlock(const JsonView& kept, Block& block)
+    void readBlock(const Json& kept, Block& block)
     {
-        kept.requireOnly({"name", "number", "outputs", "parameters", "chart", "blocks"});
-        if (!m_numbers.emplace(&block, numberIn(kept.member("number"))).second) {
-            kept.member("name").refuse("a name that no block before has");
+        requireOnly(kept, {"name", "number", "outputs", "parameters", "chart", "blocks"});
+        if (!m_numbers.emplace(&block, numberIn(member(kept, "number"))).second) {
+            refuseJson(member(kept, "name"), "a name that no block before has");
         }
-        if (const auto outputs = kept.find("outputs")) {
+        if (const Json* const outputs = findMember(kept, "outputs")) {
             orderOutputs(*outputs, block);
         }
-        if (const auto parameters = kept.find("parameters")) {
-            forEach(*parameters, [&block](const JsonView& parameter) {
-                parameter.requireOnly({"name", "value"});
-                block.setParameter(parameter.member("name").text(), parameter.member("value").text());
-            });
+        if (const Json* const parameters = findMember(kept, "parameters")) {
+            for (const Json& parameter : arrayIn(*parameters)) {
+                requireOnly(parameter, {"name", "value"});
+                block.setParameter(textIn(member(parameter, "name")), textIn(member(parameter, "value")));
+            }
         }
-        if (const auto chart = kept.find("chart")) {
+        if (const Json* const chart = findMember(kept, "chart")) {
             readChart(*chart, block);
         }
-        if (const auto blocks = kept.find("blocks")) {
+        if (const Json* const blocks = findMember(kept, "blocks")) {
             readBlocks(*blocks, block);
         }
     }
 
-    void orderOutputs(const JsonView& outputs, Block& block)
+    void orderOutputs(const Json& outputs, Block& block)
     {
         const std::vector<Port>& ports = block.ports(PortKind::Output);
         std::vector<std::u16string> kept;
-        forEach(outputs, [&kept](const JsonView& name) { kept.push_back(name.text()); });
+        for (const Json& name : arrayIn(outputs)) {
+            kept.push_back(textIn(name));
+        }
         if (std::ranges::equal(kept, ports, {}, {}, &Port::name)) {
             return;
         }
@@ -305,22 +264,22 @@ private:
         block.setPorts(PortKind::Output, std::move(ordered));
     }
 
-    static void readChart(const JsonView& kept, Block& block)
+    static void readChart(const Json& kept, Block& block)
     {
-        kept.requireOnly({"name", "objects"});
-        Chart& chart = block.addChart(kept.member("name").text());
-        forEach(kept.member("objects"), [&chart](const JsonView& object) {
-            object.requireOnly({"kind", "name", "parent"});
-            const JsonView kind = object.member("kind");
-            const std::uint32_t parent = numberIn(object.member("parent"));
-            if (kind.string() == stateKind) {
-                chart.addState(object.member("name").text(), parent);
-            } else if (kind.string() == dataKind) {
-                chart.addData(object.member("name").text(), parent);
+        requireOnly(kept, {"name", "objects"});
+        Chart& chart = block.addChart(textIn(member(kept, "name")));
+        for (const Json& object : arrayIn(member(kept, "objects"))) {
+            requireOnly(object, {"kind", "name", "parent"});
+            const Json& kind = member(object, "kind");
+            const std::uint32_t parent = numberIn(member(object, "parent"));
+            if (stringIn(kind) == stateKind) {
+                chart.addState(textIn(member(object, "name")), parent);
+            } else if (stringIn(kind) == dataKind) {
+                chart.addData(textIn(member(object, "name")), parent);
             } else {
-                kind.refuse("\"state\" or \"data\"");
+                refuseJson(kind, "\"state\" or \"data\"");
             }
-        });
+        }
     }
 
     void numberBlocks()
@@ -329,9 +288,17 @@ private:
         numbers.reserve(m_model.blockCount());
         for (const Block* block : m_model.blocks()) {
             const auto kept = m_numbers.find(block);
-            numbers.push_back(kept != m_numbers.end() ? kept->second : ++m_lastNumber);
+            numbers.push_back(kept != m_numbers.end() ? kept->second : nextNumber());
         }
         m_model.setNumbers(numbers, m_lastNumber);
+    }
+
+    std::uint32_t nextNumber()
+    {
+        if (m_lastNumber == std::numeric_limits<std::uint32_t>::max()) {
+            throw diagramError("NoNumberLeft", {toUtf8(m_model.name())});
+        }
+        return ++m_lastNumber;
     }
 
     Model& m_model;
@@ -345,22 +312,18 @@ private:
 
 std::string toolDataOf(const Model& model)
 {
-    JsonWriter json;
-    json.beginObject();
-    json.member("format");
-    json.string(formName);
-    writeNumber(json, "version", toolDataVersion);
-    writeNumber(json, "lastNumber", model.lastNumber());
-    writeBlocks(json, model.root());
-    json.endObject();
-    return json.take();
+    const Json document = {{"format", formName},
+                           {"version", toolDataVersion},
+                           {"lastNumber", model.lastNumber()},
+                           {"blocks", blocksToJson(model.root())}};
+    return writeJson(document);
 }
 
 ToolDataChanges applyToolData(Model& model, std::string_view json)
 {
-    const Json document = parseJson(json);
+    const Json document = parseJson(json, jsonLimitsFor(json.size()));
     ToolDataReader reader(model);
-    reader.read(JsonView(document));
+    readingJson(document, "/", [&] { reader.read(document); });
     return reader.takeChanges();
 }
 

@@ -1,152 +1,188 @@
-#include "reference_host/ssp/FileErrors.hpp"
-#include "reference_host/ssp/JsonPlace.hpp"
-#include "reference_host/ssp/KnownLeaves.hpp"
+#include "reference_host/ssp/NumberJson.hpp"
 #include "reference_host/ssp/ValueJson.hpp"
-#include "reference_host/ssp/ValueObject.hpp"
+#include "reference_host/values/ValueContainers.hpp"
+#include "reference_host/values/ValueMaking.hpp"
 
-#include <cstdint>
+#include <algorithm>
+#include <array>
+#include <new>
+#include <optional>
+#include <unordered_set>
 #include <utility>
-#include <variant>
 #include <vector>
 
 namespace reference_host {
 
 namespace {
 
-/// Makes each value as soon as its text has been read: of a large struct array nothing is in memory twice.
-class ValueReading : public JsonHandler {
-public:
-    void scalar(const JsonPlace& place, JsonScalar scalar) override
-    {
-        if (isInMember()) {
-            m_tree.scalar(std::move(scalar));
-            finishMember(place);
-        } else {
-            add(std::visit([&](auto& content) { return leaf(content, place); }, scalar));
-        }
-    }
-
-    void beginArray(const JsonPlace& place) override
-    {
-        if (isInMember()) {
-            if (m_tree.isOpen() || m_member != "values") {
-                m_tree.begin(Json::array());
-            } else {
-                enterValues();
-            }
-        } else if (!m_objects.empty() && m_levels.back() == Level::AllValues) {
-            m_objects.back().fields.emplace_back();
-            m_levels.push_back(Level::Field);
-        } else {
-            refuse(place);
-        }
-    }
-
-    void beginObject(const JsonPlace&) override
-    {
-        if (isInMember()) {
-            m_tree.begin(Json::object());
-        } else {
-            m_objects.emplace_back();
-            m_levels.push_back(Level::Object);
-        }
-    }
-
-    void member(const JsonPlace&, std::string name) override
-    {
-        if (m_tree.isOpen()) {
-            m_tree.member(std::move(name));
-        } else {
-            m_member = std::move(name);
-        }
-    }
-
-    void end(const JsonPlace& place) override
-    {
-        if (m_tree.isOpen()) {
-            m_tree.end();
-            finishMember(place);
-            return;
-        }
-        const Level level = m_levels.back();
-        m_levels.pop_back();
-        if (level == Level::Object) {
-            ValueObject content = std::move(m_objects.back());
-            m_objects.pop_back();
-            add(valueOf(std::move(content), place));
-        }
-    }
-
-    OwnedValue take() { return std::move(m_value); }
-
-private:
-    enum class Level : std::uint8_t { Object, AllValues, Field };
-
-    /// In a member of an object, but for the values of "values".
-    bool isInMember() const { return !m_levels.empty() && m_levels.back() == Level::Object; }
-
-    void finishMember(const JsonPlace& place)
-    {
-        if (m_tree.isOpen()) {
-            return;
-        }
-        if (m_member == "values") {
-            throw fileError("JsonUnexpected", {place.text(), std::string("an array")});
-        }
-        addMember(m_tree.take());
-    }
-
-    void enterValues()
-    {
-        addMember(nullptr);
-        m_levels.push_back(Level::AllValues);
-    }
-
-    /// Without a search: the reader lets no member occur twice.
-    void addMember(Json json)
-    {
-        m_objects.back().members.get_ref<Json::object_t&>().emplace_back(m_member, std::move(json));
-    }
-
-    void add(OwnedValue value)
-    {
-        if (m_levels.empty()) {
-            m_value = std::move(value);
-        } else if (m_levels.back() == Level::AllValues) {
-            m_objects.back().values.push_back(std::move(value));
-        } else {
-            m_objects.back().fields.back().push_back(std::move(value));
-        }
-    }
-
-    OwnedValue leaf(std::nullptr_t, const JsonPlace&) { return nullptr; }
-    OwnedValue leaf(bool value, const JsonPlace&) { return m_leaves.logical(value); }
-    OwnedValue leaf(double number, const JsonPlace&) { return m_leaves.number(number); }
-    OwnedValue leaf(const std::string& text, const JsonPlace&) { return m_leaves.text(text); }
-    OwnedValue leaf(std::int64_t, const JsonPlace& place) { refuse(place); }
-    OwnedValue leaf(std::uint64_t, const JsonPlace& place) { refuse(place); }
-
-    [[noreturn]] static void refuse(const JsonPlace& place)
-    {
-        throw fileError("JsonUnexpected",
-                        {place.text(), std::string("a value (a double has a fraction or an exponent)")});
-    }
-
-    std::vector<Level> m_levels;
-    std::vector<ValueObject> m_objects;
-    std::string m_member;  // of the innermost object
-    JsonTree m_tree;       // of a member that is under way
-    KnownLeaves m_leaves;
-    OwnedValue m_value;
+constexpr std::array numericClasses{
+    std::pair{"double", nvClassID::Double}, std::pair{"single", nvClassID::Single},
+    std::pair{"int8", nvClassID::Int8},     std::pair{"uint8", nvClassID::UInt8},
+    std::pair{"int16", nvClassID::Int16},   std::pair{"uint16", nvClassID::UInt16},
+    std::pair{"int32", nvClassID::Int32},   std::pair{"uint32", nvClassID::UInt32},
+    std::pair{"int64", nvClassID::Int64},   std::pair{"uint64", nvClassID::UInt64},
 };
+
+Dimensions sizeIn(const Json& object)
+{
+    const Json* const sizes = findMember(object, "size");
+    if (sizes == nullptr) {
+        return {1, 1};
+    }
+    std::vector<std::size_t> list;
+    for (const Json& size : arrayIn(*sizes)) {
+        list.push_back(unsignedIn(size));
+    }
+    if (list.size() < 2) {
+        refuseJson(*sizes, "two sizes or more");
+    }
+    try {
+        return Dimensions(list);
+    } catch (const std::bad_alloc&) {
+        refuseJson(*sizes, "a size that memory can hold");
+    }
+}
+
+/// An array with an element for each one of the value.
+const Json& elementsIn(const Json& object, const char* name, const Dimensions& size)
+{
+    const Json& elements = arrayIn(member(object, name));
+    requireCount(elements, elements.size(), size.elementCount());
+    return elements;
+}
+
+OwnedValue numericOf(const Json& object, nvClassID classID)
+{
+    requireOnly(object, {"class", "size", "data", "imaginary"});
+    Dimensions size = sizeIn(object);
+    const Json& real = elementsIn(object, "data", size);
+    const bool hasImaginary = findMember(object, "imaginary") != nullptr;
+    const Json* const imaginary = hasImaginary ? &elementsIn(object, "imaginary", size) : nullptr;
+    OwnedValue value =
+        makeNumeric(std::move(size), classID, hasImaginary ? nvComplexity::Complex : nvComplexity::Real);
+    setNumbers(value.get(), 0, real);
+    if (imaginary != nullptr) {
+        setNumbers(value.get(), 1, *imaginary);
+    }
+    return value;
+}
+
+OwnedValue logicalsOf(const Json& object)
+{
+    requireOnly(object, {"class", "size", "data"});
+    Dimensions size = sizeIn(object);
+    const Json& data = elementsIn(object, "data", size);
+    OwnedValue value = makeLogicals(std::move(size));
+    setNumbers(value.get(), 0, data);
+    return value;
+}
+
+OwnedValue charactersOf(const Json& object)
+{
+    requireOnly(object, {"class", "size", "text"});
+    const Json& text = member(object, "text");
+    std::u16string characters = textIn(text);
+    Dimensions size = sizeIn(object);
+    requireCount(text, characters.size(), size.elementCount());
+    return makeCharacters(std::move(size), std::move(characters));
+}
+
+OwnedValue cellsOf(const Json& object)
+{
+    requireOnly(object, {"class", "size", "values"});
+    Dimensions size = sizeIn(object);
+    const Json& values = elementsIn(object, "values", size);
+    OwnedValue cells = makeCells(std::move(size));
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        if (OwnedValue value = valueOfJson(values[i])) {
+            setCell(cells.get(), i, std::move(value));
+        }
+    }
+    return cells;
+}
+
+std::vector<std::string> fieldNamesIn(const Json& fields)
+{
+    std::vector<std::string> names;
+    std::unordered_set<std::string> known;
+    for (const Json& field : arrayIn(fields)) {
+        names.push_back(byteTextIn(field));
+        if (!known.insert(names.back()).second) {
+            refuseJson(field, "a name that no field before it has");
+        }
+    }
+    return names;
+}
+
+OwnedValue structOf(const Json& object, bool isObject)
+{
+    if (isObject) {
+        requireOnly(object, {"class", "name", "size", "fields", "values"});
+    } else {
+        requireOnly(object, {"class", "size", "fields", "values"});
+    }
+    std::vector<std::string> names = fieldNamesIn(member(object, "fields"));
+    Dimensions size = sizeIn(object);
+    const Json& fields = arrayIn(member(object, "values"));
+    requireCount(fields, fields.size(), names.size());
+    for (const Json& field : fields) {
+        requireCount(arrayIn(field), field.size(), size.elementCount());
+    }
+    OwnedValue value =
+        isObject ? makeStructObject(byteTextIn(member(object, "name")), std::move(size), std::move(names))
+                 : makeStruct(std::move(size), std::move(names));
+    for (std::size_t number = 0; number < fields.size(); ++number) {
+        for (std::size_t i = 0; i < fields[number].size(); ++i) {
+            if (OwnedValue field = valueOfJson(fields[number][i])) {
+                setNumberedField(value.get(), i, number, std::move(field));
+            }
+        }
+    }
+    return value;
+}
+
+OwnedValue valueOfObject(const Json& object)
+{
+    const Json& classMember = member(object, "class");
+    const std::string& name = stringIn(classMember);
+    const auto* const numeric =
+        std::ranges::find_if(numericClasses, [&](auto& row) { return name == row.first; });
+    if (numeric != numericClasses.end()) {
+        return numericOf(object, numeric->second);
+    }
+    if (name == "logical") {
+        return logicalsOf(object);
+    }
+    if (name == "char") {
+        return charactersOf(object);
+    }
+    if (name == "cell") {
+        return cellsOf(object);
+    }
+    if (name == "struct" || name == "object") {
+        return structOf(object, name == "object");
+    }
+    refuseJson(classMember, "the name of a class");
+}
 
 }  // namespace
 
-OwnedValue valueFromJson(std::string_view json, const JsonLimits& limits)
+OwnedValue valueOfJson(const Json& json)
 {
-    ValueReading reading;
-    readJson(json, limits, reading);
-    return reading.take();
+    switch (json.type()) {
+        case Json::value_t::null:
+            return nullptr;
+        case Json::value_t::boolean:
+            return makeLogical(json.get<bool>());
+        case Json::value_t::number_float:
+            return makeDouble(json.get<double>());
+        case Json::value_t::string:
+            return makeText(std::string_view(json.get_ref<const std::string&>()));
+        case Json::value_t::object:
+            return valueOfObject(json);
+        default:
+            refuseJson(json, "a value (a double has a fraction or an exponent)");
+    }
 }
 
 }  // namespace reference_host

@@ -1,10 +1,11 @@
 #include "reference_host/ssp/ZipLibrary.hpp"
 
-#include "host/Exceptions.hpp"
+#include "reference_host/ssp/FileErrors.hpp"
+#include "reference_host/support/QuotedText.hpp"
+#include "reference_host/support/TextConversion.hpp"
 
-#include <zip.h>
-#include <array>
-#include <cstdint>
+#include <algorithm>
+#include <cstdlib>
 #include <utility>
 
 namespace reference_host {
@@ -12,17 +13,7 @@ namespace reference_host {
 namespace {
 
 constexpr zip_uint32_t deflateLevel = 6;
-
-/// Holds one count on a source; the archive that takes a source over takes that count.
-struct FreeSource {
-    void operator()(zip_source_t* source) const noexcept { zip_source_free(source); }
-};
-using Source = std::unique_ptr<zip_source_t, FreeSource>;
-
-struct CloseFile {
-    void operator()(zip_file_t* file) const noexcept { zip_fclose(file); }
-};
-using File = std::unique_ptr<zip_file_t, CloseFile>;
+constexpr zip_uint16_t earliestDate = 0x21;  // 1980-01-01
 
 /// An error of the library, emptied at the end.
 class Error {
@@ -37,7 +28,90 @@ private:
     zip_error_t m_error{};
 };
 
-std::string reason(zip_error_t* error)
+[[noreturn]] void refuse(zip_error_t* error)
+{
+    const int code = zip_error_code_zip(error);
+    if (code == ZIP_ER_NOZIP) {
+        refuseArchive("NotAnArchive");
+    }
+    refuseArchive("ArchiveDamaged", {zipReason(error)});
+}
+
+/// Null if the library refuses the archive, which takes the source over only otherwise.
+Zip tryToOpen(ZipSource& source, int flags, Error& error)
+{
+    Zip archive(zip_open_from_source(source.get(), flags, error.get()));
+    if (archive) {
+        static_cast<void>(source.release());
+    }
+    return archive;
+}
+
+/// Whether the names of the entries occur in the bytes in their order, and then once more: before the
+/// contents, and in the directory at the end. A damaged name does not.
+bool hasEveryNameTwice(std::string_view bytes, zip_t* archive)
+{
+    const zip_int64_t count = zip_get_num_entries(archive, 0);
+    std::size_t position = 0;
+    for (zip_int64_t i = 0; i < 2 * count; ++i) {
+        const char* name = zip_get_name(archive, static_cast<zip_uint64_t>(i % count), ZIP_FL_ENC_RAW);
+        position = name != nullptr ? bytes.find(name, position) : std::string_view::npos;
+        if (position == std::string_view::npos) {
+            return false;
+        }
+        position += std::string_view(name).size();
+    }
+    return true;
+}
+
+/// A source that owns a copy: libzip 1.7.3 frees the memory of one that is changed, whoever owns it.
+ZipSource ownedSource(std::string_view bytes)
+{
+    Error error;
+    std::unique_ptr<void, decltype(&std::free)> copy(std::malloc(std::max<std::size_t>(bytes.size(), 1)),
+                                                     std::free);
+    if (copy == nullptr) {
+        zmsvThrowOutOfMemory();
+    }
+    std::copy(bytes.begin(), bytes.end(), static_cast<char*>(copy.get()));
+    ZipSource source(zip_source_buffer_create(copy.get(), bytes.size(), 1, error.get()));
+    if (source == nullptr) {
+        refuse(error.get());
+    }
+    static_cast<void>(copy.release());
+    return source;
+}
+
+std::string contentOf(zip_source_t* source)
+{
+    zip_stat_t stat{};
+    if (zip_source_stat(source, &stat) < 0 || zip_source_open(source) < 0) {
+        refuse(zip_source_error(source));
+    }
+    std::string bytes(stat.size, '\0');
+    const zip_int64_t size = zip_source_read(source, bytes.data(), bytes.size());
+    zip_source_close(source);
+    if (!std::cmp_equal(size, bytes.size())) {
+        refuse(zip_source_error(source));
+    }
+    return bytes;
+}
+
+}  // namespace
+
+void refuseArchive(const char* key, std::vector<zmsvMessageArgument> arguments)
+{
+    throw fileError("InvalidArchive", {std::string(fileError(key, std::move(arguments)).what())});
+}
+
+void refuseEntry(std::string_view name, const char* key, std::vector<zmsvMessageArgument> arguments)
+{
+    const std::string shown = utf8FromUtf16(utf16FromUtf8(name));  // well-formed, whatever the bytes are
+    throw fileError("InvalidEntry",
+                    {quotedText(shown), std::string(fileError(key, std::move(arguments)).what())});
+}
+
+std::string zipReason(zip_error_t* error)
 {
     if (zip_error_code_zip(error) == ZIP_ER_MEMORY) {
         zmsvThrowOutOfMemory();
@@ -45,126 +119,73 @@ std::string reason(zip_error_t* error)
     return zip_error_strerror(error);
 }
 
-[[noreturn]] void refuse(zip_error_t* error)
-{
-    refuseArchive("ArchiveDamaged", {reason(error)});
-}
-
-Source bufferSource(std::string_view bytes)
+ZipSource zipSource(std::string_view bytes)
 {
     Error error;
-    Source source(zip_source_buffer_create(bytes.data(), bytes.size(), 0, error.get()));
+    ZipSource source(zip_source_buffer_create(bytes.data(), bytes.size(), 0, error.get()));
     if (source == nullptr) {
         refuse(error.get());
     }
     return source;
 }
 
-/// The archive takes the source over, but only when it can be opened.
-zip_t* open(Source source, int flags)
+Zip openZip(std::string_view bytes)
 {
+    if (bytes.empty()) {  // the library takes this for an archive without entries
+        refuseArchive("NotAnArchive");
+    }
     Error error;
-    zip_t* archive = zip_open_from_source(source.get(), flags, error.get());
+    ZipSource source = zipSource(bytes);
+    Zip archive = tryToOpen(source, ZIP_RDONLY | ZIP_CHECKCONS, error);
+    const int code = archive == nullptr ? zip_error_code_zip(error.get()) : ZIP_ER_OK;
+    if (code == ZIP_ER_INCONS || code == ZIP_ER_EXISTS) {  // our check of names tells which one exists twice
+        // `zip` states the size of an entry before it in a pipe, too, but not the rest.
+        archive = tryToOpen(source, ZIP_RDONLY, error);
+        if (archive != nullptr && !hasEveryNameTwice(bytes, archive.get())) {
+            refuseArchive("ArchiveAmbiguous");
+        }
+    }
     if (archive == nullptr) {
         refuse(error.get());
     }
-    static_cast<void>(source.release());
     return archive;
 }
 
-/// The same holds for an entry's source.
-void add(zip_t* archive, const UnpackedEntry& entry)
+Zip openZipForWriting(std::string_view bytes, ZipSource& result)
 {
-    Source source = bufferSource(entry.content);
-    const zip_int64_t position =
-        zip_file_add(archive, std::string(entry.name).c_str(), source.get(), ZIP_FL_ENC_UTF_8);
+    Error error;
+    ZipSource source = ownedSource(bytes);
+    zip_source_keep(source.get());  // once for the archive, once for the result
+    result = ZipSource(source.get());
+    Zip archive = tryToOpen(source, bytes.empty() ? ZIP_CREATE | ZIP_TRUNCATE : 0, error);
+    if (archive == nullptr) {
+        refuse(error.get());
+    }
+    return archive;
+}
+
+std::string writtenZip(Zip archive, zip_source_t* result)
+{
+    if (zip_close(archive.get()) < 0) {
+        refuse(zip_get_error(archive.get()));
+    }
+    static_cast<void>(archive.release());  // closing has freed it
+    return contentOf(result);
+}
+
+void addZipEntry(zip_t* archive, const std::string& name, std::string_view content)
+{
+    ZipSource source = zipSource(content);
+    const zip_int64_t position = zip_file_add(archive, name.c_str(), source.get(), ZIP_FL_ENC_UTF_8);
     if (position < 0) {
         refuse(zip_get_error(archive));
     }
     static_cast<void>(source.release());
-    if (zip_set_file_compression(archive, static_cast<zip_uint64_t>(position), ZIP_CM_DEFLATE, deflateLevel) <
-        0) {
+    const auto index = static_cast<zip_uint64_t>(position);
+    if (zip_set_file_compression(archive, index, ZIP_CM_DEFLATE, deflateLevel) < 0 ||
+        zip_file_set_dostime(archive, index, 0, earliestDate, 0) < 0) {
         refuse(zip_get_error(archive));
     }
-}
-
-std::string content(zip_source_t* source)
-{
-    zip_stat_t stat{};
-    if (zip_source_stat(source, &stat) < 0 || zip_source_open(source) < 0) {
-        refuse(zip_source_error(source));
-    }
-    std::string result(stat.size, '\0');
-    const zip_int64_t size = zip_source_read(source, result.data(), result.size());
-    zip_source_close(source);
-    if (size < 0 || static_cast<zip_uint64_t>(size) != stat.size) {
-        refuse(zip_source_error(source));
-    }
-    return result;
-}
-
-}  // namespace
-
-void ZipReader::Discard::operator()(zip* archive) const noexcept
-{
-    zip_discard(archive);
-}
-
-ZipReader::ZipReader(std::string_view bytes, const std::vector<ArchiveEntry>& entries)
-    : m_archive(open(bufferSource(bytes), ZIP_RDONLY))
-{
-    const zip_int64_t count = zip_get_num_entries(m_archive.get(), 0);
-    if (!std::cmp_equal(count, entries.size())) {
-        refuseArchive("ArchiveAmbiguous");
-    }
-    for (std::size_t i = 0; i < entries.size(); ++i) {
-        const char* name = zip_get_name(m_archive.get(), i, ZIP_FL_ENC_RAW);
-        if (name == nullptr || name != entries[i].name) {
-            refuseEntry(entries[i].name, "EntryNameAmbiguous");
-        }
-    }
-}
-
-void ZipReader::unpack(std::size_t position, const ArchiveEntry& entry,
-                       const std::function<void(std::string_view)>& take) const
-{
-    const File file(zip_fopen_index(m_archive.get(), position, 0));
-    if (file == nullptr) {
-        refuseEntry(entry.name, "EntryDamaged", {reason(zip_get_error(m_archive.get()))});
-    }
-    std::array<char, 65536> buffer;
-    std::uint64_t total = 0;
-    for (;;) {
-        const zip_int64_t size = zip_fread(file.get(), buffer.data(), buffer.size());
-        if (size < 0) {
-            refuseEntry(entry.name, "EntryDamaged", {reason(zip_file_get_error(file.get()))});
-        }
-        total += static_cast<std::uint64_t>(size);
-        if (total > entry.unpackedSize || (size == 0 && total < entry.unpackedSize)) {
-            refuseEntry(entry.name, "EntryLength", {entry.unpackedSize});
-        }
-        if (size == 0) {
-            return;
-        }
-        take({buffer.data(), static_cast<std::size_t>(size)});
-    }
-}
-
-std::string deflatedArchive(const std::vector<UnpackedEntry>& entries)
-{
-    Source source = bufferSource({});
-    zip_source_keep(source.get());  // once for the archive, once for us
-    const Source result(source.get());
-    std::unique_ptr<zip_t, decltype(&zip_discard)> archive(open(std::move(source), ZIP_CREATE | ZIP_TRUNCATE),
-                                                           zip_discard);
-    for (const UnpackedEntry& entry : entries) {
-        add(archive.get(), entry);
-    }
-    if (zip_close(archive.get()) < 0) {
-        refuse(zip_get_error(archive.get()));
-    }
-    static_cast<void>(archive.release());  // closing took it
-    return content(result.get());
 }
 
 }  // namespace reference_host

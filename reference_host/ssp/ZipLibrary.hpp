@@ -1,50 +1,56 @@
 #ifndef ZM_REFERENCE_HOST_SSP_ZIP_LIBRARY_HPP
 #define ZM_REFERENCE_HOST_SSP_ZIP_LIBRARY_HPP
 
-#include "reference_host/ssp/ArchiveDirectory.hpp"
+#include "host/Exceptions.hpp"
 
-#include <cstddef>
-#include <functional>
+#include <zip.h>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
-struct zip;
+// libzip's objects as owners, and its errors as host errors.
 
 namespace reference_host {
 
-/// Unpacks entries of an archive. What it finds damaged is a host error ("InvalidArchive", "InvalidEntry").
-class ZipReader {
-public:
-    ZipReader() = default;
+/// The archive as a whole is refused, for the reason with this key in the catalog of files.
+[[noreturn]] void refuseArchive(const char* key, std::vector<zmsvMessageArgument> arguments = {});
 
-    /// The library has to see the same entries in the same order as we do. Its own checks of consistency are
-    /// not asked for: they refuse what common tools write into a pipe. REQUIRES: the bytes outlive the
-    /// reader.
-    ZipReader(std::string_view bytes, const std::vector<ArchiveEntry>& entries);
+/// One entry is refused. Its name may be any bytes.
+[[noreturn]] void refuseEntry(std::string_view name, const char* key,
+                              std::vector<zmsvMessageArgument> arguments = {});
 
-    /// Hands the content of the entry on, part by part, no more than it declares; in the end length and
-    /// checksum have been found right.
-    void unpack(std::size_t position, const ArchiveEntry& entry,
-                const std::function<void(std::string_view)>& take) const;
-
-private:
-    struct Discard {
-        void operator()(zip* archive) const noexcept;
-    };
-    std::unique_ptr<zip, Discard> m_archive;
+struct DiscardZip {
+    void operator()(zip_t* archive) const noexcept { zip_discard(archive); }
 };
+using Zip = std::unique_ptr<zip_t, DiscardZip>;
 
-/// What is to become an entry. The views have to last until it is packed.
-struct UnpackedEntry {
-    std::string_view name;
-    std::string_view content;
+struct FreeZipSource {
+    void operator()(zip_source_t* source) const noexcept { zip_source_free(source); }
 };
+using ZipSource = std::unique_ptr<zip_source_t, FreeZipSource>;
 
-/// An archive of these alone, all deflated. REQUIRES: there is one, no two have the same name, and each name
-/// is fit for an archive.
-std::string deflatedArchive(const std::vector<UnpackedEntry>& entries);
+/// A source of bytes that outlive it.
+ZipSource zipSource(std::string_view bytes);
+
+/// Opens an archive for reading. Archives that the library finds inconsistent are accepted only in the way in
+/// which common tools write them into a pipe.
+Zip openZip(std::string_view bytes);
+
+/// Opens bytes for writing, or an empty archive if there are none. `result` gets the source from which
+/// `writtenZip` reads the archive.
+Zip openZipForWriting(std::string_view bytes, ZipSource& result);
+
+/// Writes the archive and returns its bytes.
+std::string writtenZip(Zip archive, zip_source_t* result);
+
+/// Adds an entry at the end, deflated and with the earliest time. The library would ignore the level when it
+/// replaces an entry, and take twice the time. REQUIRES: the content outlives the archive.
+void addZipEntry(zip_t* archive, const std::string& name, std::string_view content);
+
+/// The library's reason; out of memory is thrown as the host's error.
+std::string zipReason(zip_error_t* error);
 
 }  // namespace reference_host
 

@@ -1,5 +1,7 @@
 """Models in files: what was saved is there when it is opened again, to the letter."""
 
+import io
+import json
 import os
 import pty
 import subprocess
@@ -184,6 +186,105 @@ def test_a_long_work_is_shown_on_a_terminal_and_nowhere_else(tmp_path, run):
     assert "Opening greenhouse.ssd: diagram (2 of 5)" in shown
     assert "Saving saved.ssp: archive (5 of 6)" in shown
     assert shown.endswith("\r\x1b[K")
+
+
+EARLIER = PROJECT / "tests" / "python" / "saved_by_earlier_version.ssp"
+
+
+def columns(archive, entry):
+    """The records of the form that earlier versions wrote: a struct array field by field."""
+    kept = json.loads(archive.read(f"extra/com.zelmar.hmi/{entry}.json"))
+    return dict(zip(kept["fields"], kept["values"]))
+
+
+def test_what_an_earlier_version_saved_opens(tmp_path):
+    with zipfile.ZipFile(EARLIER) as archive:
+        signals, clients = columns(archive, "signals"), columns(archive, "clients")
+    for file in (EARLIER, tmp_path / "again.ssp"):
+        with zmhost.open_model(file) as model:
+            kept = model.observers.Signals.Persistence
+            for field in ("UUID", "BlockPath_", "ZID_", "OutputPortIndex_", "SignalName_", "Decimation_"):
+                assert [record[field] for record in kept] == signals[field]
+            kept = model.observers.Clients.Persistence
+            for field in ("UUID", "SourceModel_", "SignalUUID_", "ObserverType_"):
+                assert [record[field] for record in kept] == clients[field]
+            assert [record["ModelPath_"] for record in kept] == [cell["values"] for cell in clients["ModelPath_"]]
+            parameters = kept[3]["ObserverParams_"][0].to_dict()
+            assert (parameters["Number"], parameters["Cells"]) == (3.5, [1, "x", [True]])
+            assert parameters["Nan"] != parameters["Nan"]
+            assert model["Board <&\"> \U00020bb7/Widget 7"].zid == "Gewächshaus:45"
+            model.save(tmp_path / "again.ssp")
+
+
+class Pipe(io.RawIOBase):
+    """A file that cannot seek, so that `zipfile` streams."""
+
+    def __init__(self, file):
+        self.file = file
+
+    def writable(self):
+        return True
+
+    def write(self, content):
+        return self.file.write(content)
+
+
+def repack(source, target, pipe):
+    with zipfile.ZipFile(source) as old, open(target, "wb") as file:
+        with zipfile.ZipFile(Pipe(file) if pipe else file, "w", zipfile.ZIP_DEFLATED) as new:
+            new.writestr("größe.txt", "other")
+            for entry in old.namelist():
+                with new.open(entry, "w", force_zip64=True) as out:
+                    out.write(old.read(entry))
+
+
+@pytest.mark.parametrize("pipe", [False, True], ids=["file", "pipe"])
+def test_archives_of_other_programs_open_and_are_saved(tmp_path, model, pipe):
+    model.observers = observers_of(model)
+    observe_all(model)
+    model.save(tmp_path / "ours.ssp")
+    before = described(model), persisted(model)
+    repack(tmp_path / "ours.ssp", tmp_path / "python.ssp", pipe)
+    with zipfile.ZipFile(tmp_path / "ours.ssp") as archive:
+        archive.extractall(tmp_path / "folder")
+    target = "-" if pipe else tmp_path / "zip.ssp"
+    packed = subprocess.run(["zip", "-qr", target, "."], cwd=tmp_path / "folder", stdout=subprocess.PIPE, check=True)
+    if pipe:
+        (tmp_path / "zip.ssp").write_bytes(packed.stdout)
+    model.close()
+    for name in ("python.ssp", "zip.ssp"):
+        with zmhost.open_model(tmp_path / name) as opened:
+            assert (described(opened), persisted(opened)) == before
+            opened.root.add("Added", "system")
+            opened.save(tmp_path / "again.ssp")
+        with zmhost.open_model(tmp_path / "again.ssp") as opened:
+            assert opened["Added"].kind == "system"
+        with zipfile.ZipFile(tmp_path / "again.ssp") as archive:
+            assert archive.testzip() is None
+            assert name == "zip.ssp" or archive.read("größe.txt") == b"other"
+
+
+def test_a_save_that_is_killed_leaves_nothing_after_the_next(tmp_path, run):
+    script = tmp_path / "killed.py"
+    script.write_text(KILLED.format(diagram=str(GREENHOUSE), saved=str(tmp_path / "saved.ssp")))
+    stale = tmp_path / ".saved.ssp.0123456789ab"
+    stale.write_bytes(b"half")
+    assert run("-m", "zmhost", script).returncode == 0
+    assert sorted(os.listdir(tmp_path)) == ["killed.py", "saved.ssp"]
+
+
+KILLED = """
+import zmhost
+with zmhost.open_model({diagram!r}) as model:
+    model.save({saved!r})
+"""
+
+
+def test_a_file_that_is_not_regular_is_refused(tmp_path):
+    os.mkfifo(tmp_path / "fifo.ssp")
+    for file in (tmp_path / "fifo.ssp", "/dev/zero"):
+        with pytest.raises(zmhost.HostError, match="not a regular file"):
+            zmhost.open_model(file)
 
 
 def test_refusals_are_host_errors_that_name_the_file(tmp_path, model):

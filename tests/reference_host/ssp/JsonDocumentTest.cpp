@@ -1,168 +1,256 @@
 #include "reference_host/ssp/JsonDocument.hpp"
 
-#include "reference_host/ssp/JsonPlace.hpp"
 #include "tests/reference_host/ssp/FileRefusal.hpp"
 
 #include <gtest/gtest.h>
 
+#include <clocale>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace {
 
 using namespace reference_host;
 
-TEST(JsonDocumentTest, ADocumentIsWholeAndInItsOrder)
+std::string refusal(const std::string& key, std::string_view text, const JsonLimits& limits = {})
 {
-    const std::string text = R"({"b":[1,-2,3.5,null,true,"x"],"a":{"c":[],"d":{}}})";
-    EXPECT_EQ(parseJson(text).dump(), text);
+    return fileRefusal(key, [&] { parseJson(text, limits); });
 }
 
-TEST(JsonDocumentTest, ADocumentMayBeAScalar)
+/// What is said when the document is read by `work`.
+template <class Work>
+std::string readingRefusal(const char* key, std::string_view text, const Work& work)
 {
-    EXPECT_EQ(parseJson("7"), Json(7U));
+    const Json document = parseJson(text);
+    return fileRefusal(key, [&] { readingJson(document, "/", [&] { work(document); }); });
 }
 
-TEST(JsonDocumentTest, RefusalsAreThoseOfTheReader)
+TEST(JsonDocumentTest, MembersKeepTheirOrder)
 {
-    fileRefusal("JsonMemberTwice", [] { parseJson(R"({"a":1,"a":1})"); });
-    fileRefusal("JsonTooDeep", [] { parseJson("[[]]", {.depth = 1}); });
+    EXPECT_EQ(parseJson(R"( {"b": [1, -2, 2.0, "x", true, null], "a": {}} )").dump(),
+              R"({"b":[1,-2,2.0,"x",true,null],"a":{}})");
 }
 
-TEST(JsonDocumentTest, ADeepDocumentTakesNoStack)
+TEST(JsonDocumentTest, AnIntegerWithoutASignIsUnsigned)
 {
-    const std::size_t depth = 1'000'000;
-    const std::string text = std::string(depth, '[') + std::string(depth, ']');
-    EXPECT_EQ(parseJson(text, {.depth = depth}).size(), 1U);
+    EXPECT_EQ(parseJson("18446744073709551615").get<std::uint64_t>(), 18446744073709551615U);
 }
 
-TEST(JsonDocumentTest, ManyMembersTakeNoQuadraticTime)
+TEST(JsonDocumentTest, EscapesBecomeCharacters)
 {
-    std::string text = "{\"x\":0";
-    for (int i = 0; i < 200'000; ++i) {
-        text += ",\"" + std::to_string(i) + "\":0";
+    EXPECT_EQ(parseJson(R"("\u00e4\ud83d\ude00\u0000\n")").get<std::string>(), std::string("ä😀\0\n", 8));
+}
+
+TEST(JsonDocumentTest, AByteOrderMarkIsPassedOver)
+{
+    EXPECT_TRUE(parseJson("\xEF\xBB\xBF true").get<bool>());
+}
+
+TEST(JsonDocumentTest, ElementsOfAnArrayAreHandedOverAndNotKept)
+{
+    std::vector<std::string> taken;
+    const Json rest = parseJson(R"([1,[2,3],{"a":[4]},[]])", {.items = 3},
+                                [&taken](std::size_t index, const Json& element) {
+                                    taken.push_back(std::to_string(index) + element.dump());
+                                });
+    EXPECT_EQ(taken, (std::vector<std::string>{"01", "1[2,3]", R"(2{"a":[4]})", "3[]"}));
+    EXPECT_EQ(rest, Json::array());
+}
+
+TEST(JsonDocumentTest, OnlyAnArrayIsHandedOver)
+{
+    const Json kept = parseJson(R"({"a":[1]})", {}, [](std::size_t, const Json&) { FAIL(); });
+    EXPECT_EQ(kept.dump(), R"({"a":[1]})");
+}
+
+TEST(JsonDocumentTest, ErrorsInHandedOverElementsHaveTheirPlace)
+{
+    const auto take = [](std::size_t, const Json&) {};
+    EXPECT_EQ(
+        fileRefusal("JsonMemberTwice", [&] { parseJson(R"([{},{},{"a":[0,{"b":1,"b":2}]}])", {}, take); }),
+        "/2/a/1/b: The member occurs twice.");
+}
+
+TEST(JsonDocumentTest, TextThatEndsEarlyIsRefusedWithPlaceAndByte)
+{
+    EXPECT_EQ(refusal("JsonNotWellFormed", R"({"a":[1,)"),
+              "/a/1: Not JSON at byte 9: unexpected end of input; expected '[', '{', or a literal.");
+}
+
+TEST(JsonDocumentTest, TextThatIsNotStrictlyJsonIsRefused)
+{
+    for (const char* text : {"",
+                             " \n",
+                             "1 2",
+                             "{}}",
+                             "NaN",
+                             "Infinity",
+                             "-Infinity",
+                             "nan",
+                             "0x10",
+                             "01",
+                             "+1",
+                             ".5",
+                             "1.",
+                             "1e",
+                             "/* a */ 1",
+                             "1 // a",
+                             "[1,]",
+                             R"({"a":1,})",
+                             "\"\xFF\"",
+                             "\"\xC0\xAF\"",
+                             "\"\xED\xA0\x80\"",
+                             "\"\xF4\x90\x80\x80\"",
+                             "\"\xC3",
+                             R"("\ud800")",
+                             R"("\udc00")",
+                             R"("\ud800\ud800")",
+                             R"("\ud800x")",
+                             "\"a\nb\""}) {
+        refusal("JsonNotWellFormed", text);
     }
-    EXPECT_EQ(parseJson(text + '}').size(), 200'001U);
 }
 
-TEST(JsonDocumentTest, WellFormedTextIsAString)
+TEST(JsonDocumentTest, AZeroByteIsNoEnd)
 {
-    EXPECT_EQ(textToJson(u"ä😀"), Json("ä😀"));
+    using namespace std::string_view_literals;
+    EXPECT_EQ(refusal("JsonNotWellFormed", "1\0"sv), "/: Not JSON at byte 2: a zero byte.");
+    refusal("JsonNotWellFormed", "[1]\0garbage"sv);
 }
 
-TEST(JsonDocumentTest, OtherTextIsItsUnits)
+TEST(JsonDocumentTest, WhatIsSaidOfBadTextHoldsNoneOfIt)
 {
-    EXPECT_EQ(textToJson(u"a\xD800").dump(), R"({"units":[97,55296]})");
+    const std::string text = refusal("JsonNotWellFormed", "[\"" + std::string(1000, 'x') + "\xFF\"]");
+    EXPECT_EQ(text, "/0: Not JSON at byte 1003: invalid string: ill-formed UTF-8 byte.");
 }
 
-TEST(JsonDocumentTest, TextComesBackAsItWas)
+TEST(JsonDocumentTest, ANumberPastTheRangeOfDoublesIsRefused)
 {
-    for (const std::u16string& text : {std::u16string(u""), std::u16string(u"a\0b", 3),
-                                       std::u16string(u"\xDC00\xD800"), std::u16string(u"ä😀")}) {
-        EXPECT_EQ(JsonView(textToJson(text)).text(), text);
-    }
+    EXPECT_EQ(refusal("JsonNotWellFormed", "[1e999]"), "/0: Not JSON at byte 6: the number is too large.");
 }
 
-class JsonViewTest : public ::testing::Test {
-protected:
-    const Json m_document = parseJson(
-        R"({"name":"ä","number":7,"ratio":0.5,"negative":-1,"flag":true,"list":[1,"a"],"none":null,)"
-        R"("units":{"units":[55296]},"bad":{"units":[65536]},"raw":{"bytes":[255,65]},"odd":{"units":[],"x":0}})");
-    const JsonView m_view{m_document};
-
-    std::string refusal(const char* key, const std::function<void(const JsonView&)>& body)
-    {
-        return fileRefusal(key, [&] { body(m_view); });
-    }
-};
-
-TEST_F(JsonViewTest, MembersAreRead)
+TEST(JsonDocumentTest, AMemberThatOccursTwiceIsRefusedWithItsPlace)
 {
-    EXPECT_EQ(m_view.member("name").string(), "ä");
-    EXPECT_EQ(m_view.member("name").text(), u"ä");
-    EXPECT_EQ(m_view.member("number").unsignedInteger(), 7U);
-    EXPECT_EQ(m_view.member("negative").number(), -1.0);
-    EXPECT_EQ(m_view.member("ratio").number(), 0.5);
-    EXPECT_TRUE(m_view.member("flag").boolean());
+    EXPECT_EQ(refusal("JsonMemberTwice", R"({"b":[0,{"a":1,"c":{"a":2},"a":3}]})"),
+              "/b/1/a: The member occurs twice.");
+    refusal("JsonMemberTwice", R"({"a":1,"\u0061":2})");
 }
 
-TEST_F(JsonViewTest, UnitsAndBytesAreText)
+TEST(JsonDocumentTest, AsManyBytesAsTheLimitAreTaken)
 {
-    EXPECT_EQ(m_view.member("units").text(), std::u16string(1, u'\xD800'));
-    EXPECT_EQ(m_view.member("raw").byteText(), "\xFF\x41");
+    EXPECT_EQ(parseJson("[10]", {.bytes = 4}).size(), 1U);
+    EXPECT_EQ(refusal("JsonTooLarge", "[100]", {.bytes = 4}), "The text is larger than 4 bytes.");
 }
 
-TEST_F(JsonViewTest, ElementsKnowTheirPlaces)
+TEST(JsonDocumentTest, AsDeepAsTheLimitIsTaken)
 {
-    EXPECT_EQ(m_view.member("list").count(), 2U);
-    EXPECT_EQ(m_view.member("list").element(1).place(), "/list/1");
+    EXPECT_EQ(parseJson(R"([{"a":[]}])", {.depth = 3}).size(), 1U);
+    EXPECT_EQ(refusal("JsonTooDeep", R"([{"a":[[]]}])", {.depth = 3}),
+              "Arrays and objects are nested more than 3 deep.");
+    refusal("JsonTooDeep", std::string(10'000'000, '['));
 }
 
-TEST_F(JsonViewTest, AnElementPastTheEndIsRefused)
+TEST(JsonDocumentTest, AsManyItemsAsTheLimitAreTaken)
 {
-    EXPECT_EQ(refusal("JsonWrongCount", [](const JsonView& view) { view.member("list").element(2); }),
-              "/list: Elements: 2 instead of 3.");
+    EXPECT_EQ(parseJson("[1,[],{}]", {.items = 4}).size(), 3U);
+    EXPECT_EQ(refusal("JsonTooManyItems", "[1,[],{},0]", {.items = 4}), "/3: More than 4 items.");
 }
 
-TEST_F(JsonViewTest, AMemberThatMustBeThereIsMissed)
+TEST(JsonDocumentTest, AsManyMembersAsTheLimitAreTaken)
 {
-    EXPECT_EQ(refusal("JsonMemberMissing", [](const JsonView& view) { view.member("nothing"); }),
-              "/: The member \"nothing\" is missing.");
+    EXPECT_EQ(parseJson(R"({"a":1,"b":2})", {.members = 2}).size(), 2U);
+    EXPECT_EQ(refusal("JsonTooManyItems", R"({"a":1,"b":2,"c":3})", {.members = 2}),
+              "/c: More than 2 items.");
 }
 
-TEST_F(JsonViewTest, AMemberThatMayBeThereIsFoundOrNot)
+TEST(JsonDocumentTest, LongNamesAreCutShortInPlaces)
 {
-    EXPECT_TRUE(m_view.find("none"));
-    EXPECT_FALSE(m_view.find("nothing"));
+    const std::string text = refusal("JsonNotWellFormed", "{\"" + std::string(5000, 'n') + "\":x}");
+    EXPECT_LT(text.size(), 400U);
 }
 
-TEST_F(JsonViewTest, MembersOfAScalarAreRefused)
+TEST(JsonDocumentTest, PlacesAreJsonPointers)
 {
-    EXPECT_EQ(refusal("JsonUnexpected", [](const JsonView& view) { view.member("number").find("a"); }),
-              "/number: Expected: an object.");
+    EXPECT_EQ(readingRefusal("JsonUnexpected", R"({"a/b":{"~":[0,{"":7}]}})",
+                             [](const Json& document) { stringIn(document["a/b"]["~"][1][""]); }),
+              "/a~1b/~0/1/: expected text, found the number 7.");
 }
 
-TEST_F(JsonViewTest, UnknownMembersAreRefused)
+TEST(JsonDocumentTest, ItemsOfAnotherKindAreRefusedWithWhatIsThere)
 {
-    EXPECT_EQ(refusal("JsonUnknownMember", [](const JsonView& view) { view.requireOnly({"name"}); }),
-              "/number: The member is unknown.");
-    EXPECT_NO_THROW(m_view.member("units").requireOnly({"a", "units"}));
+    const auto said = [](const char* item) {
+        return readingRefusal("JsonUnexpected", item, [](const Json& found) { stringIn(found); });
+    };
+    EXPECT_EQ(said("null"), "/: expected text, found nothing.");
+    EXPECT_EQ(said("true"), "/: expected text, found true or false.");
+    EXPECT_EQ(said("-2.5"), "/: expected text, found the number -2.5.");
+    EXPECT_EQ(said("[]"), "/: expected text, found an array.");
+    EXPECT_EQ(said("{}"), "/: expected text, found an object.");
 }
 
-TEST_F(JsonViewTest, OtherKindsAreRefusedWithTheirPlace)
+TEST(JsonDocumentTest, MembersThatAreMissingOrUnknownAreNamed)
 {
     EXPECT_EQ(
-        refusal("JsonUnexpected", [](const JsonView& view) { view.member("list").element(0).string(); }),
-        "/list/0: Expected: text.");
-    refusal("JsonUnexpected", [](const JsonView& view) { view.member("negative").unsignedInteger(); });
-    refusal("JsonUnexpected", [](const JsonView& view) { view.member("ratio").unsignedInteger(); });
-    refusal("JsonUnexpected", [](const JsonView& view) { view.member("flag").number(); });
-    refusal("JsonUnexpected", [](const JsonView& view) { view.member("number").boolean(); });
-    refusal("JsonUnexpected", [](const JsonView& view) { view.member("name").count(); });
-    refusal("JsonUnexpected", [](const JsonView& view) { view.member("none").text(); });
-    refusal("JsonUnexpected", [](const JsonView& view) { view.member("list").byteText(); });
+        readingRefusal("JsonMemberMissing", R"([{"a":1}])", [](const Json& all) { member(all[0], "b"); }),
+        "/0: The member \"b\" is missing.");
+    EXPECT_EQ(readingRefusal("JsonUnknownMember", R"([{"a":1}])",
+                             [](const Json& all) { requireOnly(all[0], {"b"}); }),
+              "/0/a: The member is unknown.");
 }
 
-TEST_F(JsonViewTest, UnitsPastTheirRangeAreRefused)
+TEST(JsonDocumentTest, TextThatIsNoStringIsKeptByItsUnits)
 {
-    EXPECT_EQ(refusal("JsonUnexpected", [](const JsonView& view) { view.member("bad").text(); }),
-              "/bad/units/0: Expected: a UTF-16 code unit.");
+    EXPECT_EQ(textToJson(u"a\xD800").dump(), R"({"units":[97,55296]})");
+    EXPECT_EQ(textIn(textToJson(u"a\xD800")), u"a\xD800");
+    EXPECT_EQ(textToJson(u"\uFFFD").dump(), "\"\uFFFD\"");
+    EXPECT_EQ(byteTextIn(byteTextToJson("\xFF")), "\xFF");
+    EXPECT_EQ(
+        readingRefusal("JsonUnexpected", R"({"units":[65536]})", [](const Json& text) { textIn(text); }),
+        "/units/0: expected a UTF-16 code unit, found the number 65536.");
 }
 
-TEST_F(JsonViewTest, UnitsWithOtherMembersAreRefused)
+TEST(JsonDocumentTest, NothingIsWrittenThatTheLimitsWouldKeepFromBeingRead)
 {
-    refusal("JsonUnknownMember", [](const JsonView& view) { view.member("odd").text(); });
+    const Json document = parseJson(R"({"a":[1,2]})");
+    EXPECT_EQ(writeJson(document), R"({"a":[1,2]})");
+    fileRefusal("JsonTooLarge", [&] { writeJson(document, JsonLimits{.bytes = 10}); });
+    fileRefusal("JsonTooDeep", [&] { writeJson(document, JsonLimits{.depth = 1}); });
+    fileRefusal("JsonTooManyItems", [&] { writeJson(document, JsonLimits{.items = 3}); });
 }
 
-TEST_F(JsonViewTest, AViewInsideSomethingLargerSpeaksOfItsPlaceThere)
+/// The parser sees a locale only through C's.
+class JsonNumbersInLocale : public ::testing::TestWithParam<const char*> {
+protected:
+    void SetUp() override
+    {
+        if (std::setlocale(LC_ALL, GetParam()) == nullptr) {
+            GTEST_SKIP() << "the locale " << GetParam() << " is not installed (Debian: locales-all)";
+        }
+        ASSERT_STRNE(std::localeconv()->decimal_point, ".") << "the locale has no effect";
+    }
+    void TearDown() override { std::setlocale(LC_ALL, "C"); }
+};
+
+TEST_P(JsonNumbersInLocale, AreReadAsEverywhere)
 {
-    JsonPlace place({});
-    place.item();
-    place.enterArray();
-    place.item();
-    const JsonView inner(m_document, place);
-    EXPECT_EQ(inner.place(), "/0");
-    EXPECT_EQ(inner.member("list").element(1).place(), "/0/list/1");
+    EXPECT_EQ(parseJson("1234.5").get<double>(), 1234.5);
 }
+
+TEST_P(JsonNumbersInLocale, AreWrittenAsEverywhere)
+{
+    EXPECT_EQ(writeJson(Json(1234.5)), "1234.5");
+}
+
+TEST_P(JsonNumbersInLocale, LeaveTheLocaleAsItWas)
+{
+    const std::string before = std::localeconv()->decimal_point;
+    parseJson("1.5");
+    EXPECT_EQ(std::localeconv()->decimal_point, before);
+}
+
+INSTANTIATE_TEST_SUITE_P(German, JsonNumbersInLocale, ::testing::Values("de_DE.UTF-8"));
+// Its decimal point is a character of two bytes.
+INSTANTIATE_TEST_SUITE_P(Pashto, JsonNumbersInLocale, ::testing::Values("ps_AF"));
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "tests/reference_host/ssp/ModelFileTest.hpp"
 #include "reference_host/observers/CollectionAccess.hpp"
+#include "tests/reference_host/ssp/ZipBytes.hpp"
 
 namespace reference_host {
 
@@ -132,9 +133,9 @@ TEST_F(ModelFileTest, EverythingThatCameWithTheArchiveStays)
     saveModel(*model, m_file);
     const Archive saved(bytesOf(m_file));
     EXPECT_EQ(saved.names(),
-              (std::vector<std::string>{"resources/", "resources/block.fmu", "SystemStructure.ssd",
-                                        "Variant.ssd", "extra/org.example.other/a.txt",
-                                        "extra/com.zelmar.hmi/later.json", toolDataEntry}));
+              (std::vector<std::string>{"resources/", "resources/block.fmu", "Variant.ssd",
+                                        "extra/org.example.other/a.txt", "extra/com.zelmar.hmi/later.json",
+                                        "SystemStructure.ssd", toolDataEntry}));
     EXPECT_EQ(saved.read("resources/block.fmu"), binary);
     EXPECT_EQ(saved.read("SystemStructure.ssd"), text);
     EXPECT_EQ(saved.read("Variant.ssd"), "as it may be");
@@ -273,6 +274,9 @@ TEST_F(ModelFileTest, LastNumberIsNotFollowedByTheFirst)
     EXPECT_EQ(model->add(model->root(), u"A", BlockKind::Component).number(), 4294967295U);
     EXPECT_EQ(hostError([&] { model->add(model->root(), u"B", BlockKind::Component); }), "NoNumberLeft");
     EXPECT_EQ(model->blockCount(), 1U);
+    saveModel(*model, m_file);
+    OpenModels::close(u"plant");
+    EXPECT_EQ(openModel(m_file)->findByPath(u"A")->number(), 4294967295U);
 }
 
 TEST_F(ModelFileTest, WarningsAboutConnectionsComeToAnEnd)
@@ -422,12 +426,47 @@ TEST_F(ModelFileTest, CollectionThatShrinksWhileItIsSavedIsNotSaved)
     EXPECT_EQ(hostError([&] { saveModel(*m_model, m_file, shrink); }), "UnwritableFile");
 }
 
-TEST_F(ModelFileTest, ArchiveThatHasNoRoomForOurFolderIsNamed)
+TEST_F(ModelFileTest, ArchiveThatHasNoRoomForOurEntriesIsOpenedWithAWarning)
 {
     OpenModels::close(u"plant");
-    const auto model = openModel(pack({{"SystemStructure.ssd", description("")}, {"extra", "a file"}}));
-    const std::string reason = refusal([&] { saveModel(*model, m_file); });
-    EXPECT_TRUE(reason.starts_with(m_file.string() + ": \"extra/com.zelmar.hmi/")) << reason;
+    for (const auto& [entry, content] : {std::pair<std::string, std::string>{"extra", "a file"},
+                                         {std::string(toolDataEntry) + "/", ""},
+                                         {std::string(toolDataEntry) + "/a", "a file"}}) {
+        const auto file = pack({{"SystemStructure.ssd", description("")}, {entry, content}});
+        const auto model = openModel(file);
+        const std::vector<Warning> warnings = Warnings::take();
+        ASSERT_EQ(warnings.size(), 1U);
+        EXPECT_EQ(warnings[0].id.key(), "NotSavable");
+        EXPECT_TRUE(warnings[0].text.starts_with(file.string() + ": The archive has an entry \"" + entry));
+        const std::string reason = refusal([&] { saveModel(*model, m_file); });
+        EXPECT_TRUE(reason.starts_with(m_file.string() + ": \"extra/com.zelmar.hmi/")) << reason;
+        EXPECT_FALSE(std::filesystem::exists(m_file));
+        OpenModels::close(u"plant");
+    }
+}
+
+TEST_F(ModelFileTest, ModelIsSavedAsItIsWhenItsSavingBegins)
+{
+    m_gain.addChart(u"Mode");
+    addSignal(m_gain, 1, "a");
+    setObservers();
+    saveModel(*m_model, m_file);
+    std::string before = bytesOf(m_file);
+    for (const std::string last :
+         {"tool data", "instrumented signals", "streaming clients", "archive", "file"}) {
+        const FileProgress change = [&](const char* step, std::size_t, std::size_t) {
+            if (step == last) {
+                m_gain.chart()->addState(u"State of " + toUtf16(last.c_str()));
+                ObjectAccess::callMethod(m_signals.get(), "set",
+                                         {makeDouble(1).get(), make("SignalSpecification", {}).get()});
+            }
+        };
+        saveModel(*m_model, m_folder / "meanwhile.ssp", change);
+        EXPECT_EQ(bytesOf(m_folder / "meanwhile.ssp"), before) << last;
+        saveModel(*m_model, m_file);
+        before = bytesOf(m_file);
+    }
+    Warnings::clear();  // about the signals on no block
 }
 
 TEST_F(ModelFileTest, ModelThatIsClosedOrRenamedWhileItIsOpenedIsNotOpened)
@@ -457,18 +496,116 @@ TEST_F(ModelFileTest, ModelThatIsClosedOrRenamedWhileItIsOpenedIsNotOpened)
     EXPECT_EQ(OpenModels::find(u"plant"), namesake);
 }
 
-TEST_F(ModelFileTest, ElementsThatAreNothingInTheTextAreNotBelieved)
-{
-    OpenModels::close(u"plant");
-    const std::string many = R"({"class":"struct","size":[1000000,1000000],"fields":[],"values":[]})";
-    const std::string inside = R"({"class":"struct","fields":["ModelPath_"],"values":[[)" + many + "]]}";
-    for (const char* entry : {signalsEntry, clientsEntry}) {
-        for (const std::string& text : {many, inside}) {
-            const auto file = pack({{"SystemStructure.ssd", description("")}, {entry, text}});
-            const std::string reason = refusal([&] { openModel(file); });
-            EXPECT_TRUE(reason.starts_with(file.string() + ": " + entry + ": /: Expected: ")) << reason;
-        }
+/// What is said of a file whose one entry of ours is this one.
+class ForeignRecordsTest : public ModelFileTest {
+protected:
+    std::string saidOf(const char* entry, const std::string& text)
+    {
+        OpenModels::closeAll();
+        const auto file = pack({{"SystemStructure.ssd", description("")}, {entry, text}});
+        const std::string reason = refusal([&] { openModel(file); });
+        const std::string begin = file.string() + ": " + entry + ": ";
+        EXPECT_TRUE(reason.starts_with(begin)) << reason;
+        EXPECT_TRUE(OpenModels::all().empty());
+        return reason.substr(std::min(begin.size(), reason.size()));
     }
+};
+
+TEST_F(ForeignRecordsTest, ElementsThatAreNothingInTheTextAreNotBelieved)
+{
+    const std::string many = R"({"class":"struct","size":[1000000,1000000],"fields":[],"values":[]})";
+    for (const char* entry : {signalsEntry, clientsEntry}) {
+        EXPECT_EQ(saidOf(entry, many), "/0/UUID: expected text, found nothing.");
+        EXPECT_EQ(saidOf(entry, "[" + many + "]"), "/0/UUID: expected text, found nothing.");
+    }
+}
+
+TEST_F(ForeignRecordsTest, MissingFieldIsNamedWithItsRecord)
+{
+    addSignal(m_gain, 1, "one");
+    addSignal(m_gain, 2, "two");
+    setObservers();
+    saveModel(*m_model, m_file);
+    std::string json = Archive(bytesOf(m_file)).read(signalsEntry);
+    const std::string field = "\"OutputPortIndex_\":2.0,";
+    json.erase(json.find(field), field.size());
+    EXPECT_EQ(saidOf(signalsEntry, json), "/1/OutputPortIndex_: expected a number, found nothing.");
+}
+
+TEST_F(ForeignRecordsTest, FieldOfAnotherKindIsNamedWithItsRecord)
+{
+    addClient(&m_gauge, "client", "signal");
+    setObservers();
+    saveModel(*m_model, m_file);
+    const std::string json = Archive(bytesOf(m_file)).read(clientsEntry);
+    const std::string field = R"("ModelPath_":{"class":"cell","values":["Panel/Gauge"]})";
+    const auto with = [&](const std::string& value) {
+        std::string changed = json;
+        return changed.replace(changed.find(field), field.size(), "\"ModelPath_\":" + value);
+    };
+    EXPECT_EQ(saidOf(clientsEntry, with("\"Panel/Gauge\"")),
+              "/0/ModelPath_: expected a cell array of texts, found text.");
+    EXPECT_EQ(saidOf(clientsEntry, with("7.0")),
+              "/0/ModelPath_: expected a cell array of texts, found the number 7.0.");
+    EXPECT_EQ(saidOf(clientsEntry, with("null")),
+              "/0/ModelPath_: expected a cell array of texts, found nothing.");
+    EXPECT_EQ(saidOf(clientsEntry, with(R"({"class":"cell","values":[1.0]})")),
+              "/0/ModelPath_: expected a cell array of texts, found an object.");
+    EXPECT_EQ(saidOf(clientsEntry, "[{}]"), "/0/UUID: expected text, found nothing.");
+}
+
+TEST_F(ForeignRecordsTest, RecordsInTheEarlierFormHaveTheSameErrors)
+{
+    EXPECT_EQ(saidOf(clientsEntry, R"({"class":"struct","fields":[],"values":[]})"),
+              "/0/UUID: expected text, found nothing.");
+    EXPECT_EQ(
+        saidOf(clientsEntry, R"({"class":"struct","size":[1,2],"fields":["UUID"],"values":[["a",7.0]]})"),
+        "/0/ModelPath_: expected a cell array of texts, found nothing.");
+    EXPECT_EQ(saidOf(signalsEntry, R"({"class":"struct","size":[1,2],"fields":["UUID"],"values":[["a"]]})"),
+              "/values/0: expected 2 elements, found 1.");
+    EXPECT_EQ(saidOf(signalsEntry, R"({"class":"cell","values":[null]})"),
+              "/: expected an array of records, found an object.");
+}
+
+TEST_F(ForeignRecordsTest, WhatDescribesNothingIsRefusedAtTheFirstItem)
+{
+    std::string arrays = "[[]";
+    for (int i = 0; i < 1'000'000; ++i) {
+        arrays += ",[]";
+    }
+    EXPECT_EQ(saidOf(signalsEntry, arrays + "]"), "/0: expected a record, found an array.");
+    EXPECT_EQ(saidOf(toolDataEntry, arrays + "]"), "/: expected an object, found an array.");
+}
+
+TEST_F(ForeignRecordsTest, ItemsAreLimited)
+{
+    std::string text = R"([{"UUID":{"class":"cell","values":[)";
+    for (int i = 0; i < 2'000'000; ++i) {
+        text += "\"\",";
+    }
+    EXPECT_TRUE(saidOf(signalsEntry, text + "\"\"]}}]").ends_with(" items."));
+}
+
+TEST_F(ForeignRecordsTest, EntryOfOursThatDeclaresTooMuchIsNotUnpacked)
+{
+    for (const auto& [entry, maximum] :
+         {std::pair{signalsEntry, 512U}, std::pair{clientsEntry, 512U}, std::pair{toolDataEntry, 512U}}) {
+        OpenModels::closeAll();
+        const std::string text = description("");
+        const auto file =
+            write("declared.ssp", zipBytes({{.name = "SystemStructure.ssd", .packed = text},
+                                            {.name = entry,
+                                             .packed = deflatedPlainly("x"),
+                                             .method = 8,
+                                             .unpackedSize = (std::uint64_t{maximum} << 20U) + 1}}));
+        EXPECT_TRUE(refusal([&] { openModel(file); }).ends_with(" bytes; 536870912 are accepted."));
+    }
+    OpenModels::closeAll();
+    const auto file = write("declared.ssp", zipBytes({{.name = "SystemStructure.ssd",
+                                                       .packed = deflatedPlainly("x"),
+                                                       .method = 8,
+                                                       .unpackedSize = (std::uint64_t{128} << 20U) + 1}}));
+    EXPECT_TRUE(refusal([&] { openModel(file); }).ends_with(" bytes; 134217728 are accepted."));
 }
 
 TEST_F(ModelFileTest, NameThatNoDescriptionCanHoldIsRefused)
