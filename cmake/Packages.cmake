@@ -68,14 +68,27 @@ the sources.
     endif()
 endforeach()
 
-# In the system's folders, libraries are found without a search path of their own.
-file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/package/remove_rpath.cmake @ONLY CONTENT [[
-file(GLOB_RECURSE files "${CPACK_TEMPORARY_DIRECTORY}/*.so*" "${CPACK_TEMPORARY_DIRECTORY}/*/usr/bin/zm-host-contract")
+# In the system's folders, libraries are found without a search path of their own, and Python modules are in a
+# folder without the version in its name.
+set(python_below_usr ${ZM_PYTHON_DIR})
+file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/package/prepare.cmake @ONLY CONTENT [[
+set(root ${CPACK_TEMPORARY_DIRECTORY})
+file(GLOB_RECURSE files "${root}/*.so*" "${root}/*/usr/bin/zm-host-contract")
 foreach(file IN LISTS files)
     if(NOT IS_SYMLINK "${file}")
         file(RPATH_REMOVE FILE "${file}")
     endif()
 endforeach()
+set(tools "${root}/tools/usr")
+if(EXISTS "${tools}/@python_below_usr@")
+    file(MAKE_DIRECTORY "${tools}/lib/python3")
+    file(RENAME "${tools}/@python_below_usr@" "${tools}/lib/python3/dist-packages")
+    get_filename_component(emptied "${tools}/@python_below_usr@" DIRECTORY)
+    file(REMOVE_RECURSE "${emptied}")
+    file(READ "${tools}/bin/zmhost" program)
+    string(REPLACE "@python_below_usr@" "lib/python3/dist-packages" program "${program}")
+    file(WRITE "${tools}/bin/zmhost" "${program}")
+endif()
 ]])
-set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_BINARY_DIR}/package/remove_rpath.cmake)
+set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_BINARY_DIR}/package/prepare.cmake)
 include(CPack)
