@@ -115,7 +115,6 @@ def check_skeleton(cmake, prefix, work, compiler, environment):
 def check_python(prefix, library, work, environment):
     script = work / "script.py"
     script.write_text(SCRIPT)
-    # Unpacked packages are not in the system's folders, where the loader looks.
     environment = environment | {"LD_LIBRARY_PATH": str(library)}
     print(run(prefix / "bin" / "zmhost", script, cwd="/", env=environment).strip())
     package = next(prefix.glob("lib/python3*/dist-packages"))
@@ -139,7 +138,8 @@ def main(what, cmake, build, work, compiler):
     folder = work / "consumer"
     write_consumer(folder, prefix)
     build_with_cmake(cmake, folder, folder / "build", prefix, compiler, environment)
-    run(folder / "build" / "consumer", env=environment)
+    # Unpacked packages are not in the system's folders, where the loader looks.
+    run(folder / "build" / "consumer", env=environment | {"LD_LIBRARY_PATH": str(library)})
     build_with_pkg_config(folder, library, compiler, environment)
     check_skeleton(cmake, prefix, work, compiler, environment)
     check_python(prefix, library, work, environment)
