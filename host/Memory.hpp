@@ -14,7 +14,8 @@ ZM_HOST_API void* nvAllocateZeroed(std::size_t size) noexcept;
 /// [consumed: block] [null ok] [no-throw] Ends a block of the host's allocator.
 ZM_HOST_API void nvFree(void* block) noexcept;
 
-/// Runs what the host calls, so that short memory inside of us leaves as the host's own exception.
+/// Runs the body of a function that the host calls: `std::bad_alloc` leaves as the host's own exception. The
+/// only place where one is turned into the other.
 template <class Body>
 decltype(auto) withHostMemoryErrors(Body&& body)
 {
@@ -25,9 +26,18 @@ decltype(auto) withHostMemoryErrors(Body&& body)
     }
 }
 
-/// Base of the objects that the library makes and the host's class object system comes to own: their
-/// memory is the host's, zero-filled, and `delete` through any base pointer with a virtual
-/// destructor gives it back with `nvFree`.
+/// Passes an owned object to `take`, a call of the host that owns the object once it has returned. When it
+/// throws, the object is destroyed here.
+template <class Owner, class Take>
+void handOver(Owner object, Take take)
+{
+    take(object.get());
+    static_cast<void>(object.release());
+}
+
+/// Base of the objects that the library makes and the host's class object system then owns. Their memory is
+/// the host's, zero-filled; `delete` through any base pointer with a virtual destructor frees it with
+/// `nvFree`.
 class HostAllocated {
 public:
     static void* operator new(std::size_t size)
@@ -40,7 +50,7 @@ public:
     }
     static void operator delete(void* block) noexcept { nvFree(block); }
 
-    // Arrays of descriptors and other places than the host's memory are not for these objects.
+    // These objects are made one at a time, and only in the host's memory.
     static void* operator new[](std::size_t) = delete;
     static void operator delete[](void*) = delete;
 

@@ -2,9 +2,11 @@
 #define ZM_HOST_OWNED_ARRAY_HPP
 
 #include "host/Containers.hpp"
+#include "host/Memory.hpp"
 
 #include <memory>
 #include <string>
+#include <utility>
 
 struct nvArrayDeleter {
     /// Runs in destructors: a misuse that a strict host answers with an exception is on the host's record,
@@ -24,22 +26,19 @@ using OwnedArray = std::unique_ptr<nvArray, nvArrayDeleter>;
 /// Hands a value to an unset field; it is freed when the struct refuses it.
 inline void setField(nvArray* value, std::size_t index, const char* name, OwnedArray field)
 {
-    nvSetField(value, index, name, field.get());
-    static_cast<void>(field.release());
+    handOver(std::move(field), [&](nvArray* taken) { nvSetField(value, index, name, taken); });
 }
 
 /// Hands a value to a field that may be set already.
 inline void replaceField(nvArray* value, std::size_t index, const char* name, OwnedArray field)
 {
-    nvReplaceField(value, index, name, field.get());
-    static_cast<void>(field.release());
+    handOver(std::move(field), [&](nvArray* taken) { nvReplaceField(value, index, name, taken); });
 }
 
 /// Hands a value to a cell.
 inline void setCell(nvArray* value, std::size_t index, OwnedArray element)
 {
-    nvSetCell(value, index, element.get());
-    static_cast<void>(element.release());
+    handOver(std::move(element), [&](nvArray* taken) { nvSetCell(value, index, taken); });
 }
 
 inline OwnedArray makeString(const std::string& text)

@@ -14,12 +14,12 @@
 #include <string>
 #include <utility>
 
-/// What the bindings of a collection class have in common: how a method body reaches the collection, the
-/// record and the index among its inputs, how it hands over a result, and the properties every
-/// collection has. `Collection` is the native class behind the host class.
+/// What the bindings of the two collection classes share: how a method finds the collection and the index
+/// among its inputs, the registration of descriptors, and the properties that both classes have.
+/// `Collection` is the native class behind the host class.
 namespace zm_hmi_foundation {
 
-/// The collection behind an input of the class's own type; "NoCollection" where there is none.
+/// The collection behind an input of the class's own type. Throws "NoCollection" where there is none.
 template <class Collection>
 Collection& collectionOf(const nvcos::COSValue& object)
 {
@@ -30,20 +30,14 @@ Collection& collectionOf(const nvcos::COSValue& object)
     return *collection;
 }
 
-/// A "uint32 scalar" input, 1-based, as an index into the collection. 0 throws "InvalidElementIndex".
+/// Converts a 1-based "uint32 scalar" input into an index of the collection. 0 throws "InvalidElementIndex".
 template <class Collection>
-std::size_t indexInto(const Collection& collection, const nvcos::COSValue& index)
+std::size_t indexInto(const Collection& collection, std::uint32_t index)
 {
-    return toZeroBasedIndex(std::get<std::uint32_t>(index), collection.getCount());
+    return toZeroBasedIndex(index, collection.getCount());
 }
 
-/// Hands a host value over as the one result of a method; null reads as an empty value.
-inline void setResult(nvcos::COSValue& output, OwnedArray value)
-{
-    output = value.release();
-}
-
-/// A property descriptor as the host calls it.
+/// A property descriptor as the host calls it: short memory leaves as the host's exception.
 template <class Property>
 class HostProperty final : public Property {
 public:
@@ -58,32 +52,17 @@ public:
     }
 };
 
-/// A method descriptor as the host calls it.
-template <class Method>
-class HostMethod final : public Method {
-public:
-    void invoke(const nvcos::COSClient* client, int& outputCount, nvcos::COSValue* outputs, int inputCount,
-                const nvcos::COSValue* inputs) const override
-    {
-        withHostMemoryErrors([&] { Method::invoke(client, outputCount, outputs, inputCount, inputs); });
-    }
-};
-
-/// Hands a descriptor to the class, which owns it once it has taken it.
 template <class Property>
 void addProperty(nvcos::COSClass* cosClass)
 {
-    auto property = std::make_unique<HostProperty<Property>>(cosClass);
-    cosClass->addProperty(property.get());
-    static_cast<void>(property.release());
+    handOver(std::make_unique<HostProperty<Property>>(cosClass),
+             [&](nvcos::COSPropInfo* property) { cosClass->addProperty(property); });
 }
 
 template <class Method>
 void addMethod(nvcos::COSClass* cosClass)
 {
-    auto method = std::make_unique<HostMethod<Method>>();
-    cosClass->addMethod(method.get());
-    static_cast<void>(method.release());
+    handOver(std::make_unique<Method>(), [&](nvcos::COSMethodInfo* method) { cosClass->addMethod(method); });
 }
 
 /// The native data of a new instance.
@@ -93,28 +72,27 @@ void* newCollection()
     return withHostMemoryErrors([] { return new Collection; });
 }
 
-/// "Count": the number of elements. Scripts read it; an assignment changes nothing.
+/// "Count": the number of elements.
 template <class Collection>
-class CollectionCountPI : public HMIBasePI {
+class CollectionCountPI : public ReadOnlyPI {
 public:
     explicit CollectionCountPI(const nvcos::COSClass* owner)
-        : HMIBasePI(owner, "Count", type_name::uint32Scalar, nvcos::COSPropAccess::ScriptReadOnly,
-                    ValueKind::Count)
+        : ReadOnlyPI(owner, countProperty.name, type_name::uint32Scalar, ValueKind::Count)
     {
     }
     nvcos::COSValue getValue(nvcos::COSInterface* instance) override
     {
         return static_cast<std::uint32_t>(static_cast<Collection*>(getInstanceData(instance))->getCount());
     }
-    void setValue(nvcos::COSInterface* /*instance*/, nvcos::COSValue /*value*/) override {}
 };
 
-/// "Persistence": the struct array that is saved with the model; assigning one appends its elements.
+/// "Persistence": the struct array that is saved with the model. Assigning one appends its elements; after a
+/// failure those before the failing one stay.
 template <class Collection>
 class CollectionPersistencePI : public HMIBasePI {
 public:
     explicit CollectionPersistencePI(const nvcos::COSClass* owner)
-        : HMIBasePI(owner, "Persistence", type_name::any, nvcos::COSPropAccess::ReadWrite,
+        : HMIBasePI(owner, persistenceProperty.name, type_name::any, nvcos::COSPropAccess::ReadWrite,
                     ValueKind::NewArray)
     {
     }

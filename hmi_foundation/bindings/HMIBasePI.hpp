@@ -8,15 +8,15 @@
 
 namespace zm_hmi_foundation {
 
-/// What `getValue` hands out, and so whether `releaseValue` has something to free.
+/// The kind of value that `getValue` returns. Only a `NewArray` is destroyed by `releaseValue`.
 enum class ValueKind : std::int32_t {
     Count = 0,
     NewArray = 1,  ///< a host value made by `getValue`, freed by `releaseValue`
     Text = 2
 };
 
-/// Base of the property descriptors: one property of one class, made with the class that it belongs to
-/// and the host's once it is added.
+/// Base of the property descriptors. A descriptor describes one property of one class; the host owns it once
+/// it is added to that class.
 class HMIBasePI : public nvcos::COSPropInfo, public HostAllocated {
 public:
     const char* getName() const noexcept override { return m_name; }
@@ -38,6 +38,18 @@ private:
     const char* m_typeName;
     nvcos::COSPropAccess m_access;
     ValueKind m_kind;
+};
+
+/// Base of the properties that scripts only read. Host code may assign them; that changes nothing.
+class ReadOnlyPI : public HMIBasePI {
+public:
+    void setValue(nvcos::COSInterface* /*instance*/, nvcos::COSValue /*value*/) override {}
+
+protected:
+    ReadOnlyPI(const nvcos::COSClass* owner, const char* name, const char* typeName, ValueKind kind)
+        : HMIBasePI(owner, name, typeName, nvcos::COSPropAccess::ScriptReadOnly, kind)
+    {
+    }
 };
 
 }  // namespace zm_hmi_foundation

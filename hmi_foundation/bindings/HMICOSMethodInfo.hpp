@@ -1,6 +1,7 @@
 #ifndef ZM_HMI_FOUNDATION_BINDINGS_HMICOSMETHOD_INFO_HPP
 #define ZM_HMI_FOUNDATION_BINDINGS_HMICOSMETHOD_INFO_HPP
 
+#include "hmi_foundation/bindings/MethodTable.hpp"
 #include "host/ClassDescriptors.hpp"
 #include "host/Memory.hpp"
 
@@ -11,26 +12,15 @@
 
 namespace zm_hmi_foundation {
 
-/// The names by which signatures and properties refer to the host's types.
-namespace type_name {
-inline constexpr const char* unicodeString = "unicodeString";
-inline constexpr const char* asciiString = "asciiString";
-inline constexpr const char* uint32Scalar = "uint32 scalar";
-inline constexpr const char* int32Scalar = "int32 scalar";
-inline constexpr const char* doubleScalar = "double scalar";
-inline constexpr const char* logicalScalar = "logical scalar";
-inline constexpr const char* any = "any";
-}  // namespace type_name
-
-/// The host's type of that name. The host answers for a name that it does not know.
+/// [borrowed] The host's type of that name. A name that the host does not know is a host error.
 const nvcos::COSType* getType(const char* name);
 
-/// Base of the method descriptors: a name and a signature. A descriptor is made with its row of the
-/// method table, handed to the host's class object, and the host's from then on; what remains for the
-/// subclass is `invoke`. Input 0 of an instance method is the object.
+/// Base of the method descriptors: a name and a signature. A descriptor is made from its row of the method
+/// table and handed to the host's class object, which owns it from then on. Subclasses override `invoke`.
+/// Input 0 of an instance method is the object.
 class HMICOSMethodInfo : public nvcos::COSMethodInfo, public HostAllocated {
 public:
-    /// One row of a class's method table.
+    /// What a descriptor is made from.
     struct Description {
         const char* name;
         std::vector<std::string> inputTypes;
@@ -38,20 +28,23 @@ public:
         int optionalInputs = 0;  ///< how many of the last inputs may be left out
     };
 
+    /// The part of a row that is registered with the host.
+    static Description describe(const MethodRow& row);
+
     const nvcos::COSMethodSignature* getSignature() const noexcept override { return m_signature.get(); }
 
-    /// Makes a new signature in place of the one there was. A list may be null when its count is 0.
+    /// Replaces the signature by a new one. A list may be null when its count is 0.
     void setInputOutput(const std::string* inputTypes, std::size_t inputCount, const std::string* outputTypes,
                         std::size_t outputCount);
 
-    /// The last `count` inputs may be left out. REQUIRES: `setInputOutput` was called; this acts on the
-    /// signature of that moment.
+    /// Lets callers leave out the last `count` inputs.
+    /// REQUIRES: `setInputOutput` was called; this changes the signature that it made.
     void setNumberOfOptionalInputs(int count) const;
 
 protected:
     /// A descriptor without a signature. The name may be null.
     explicit HMICOSMethodInfo(const char* name) : COSMethodInfo(name) {}
-    explicit HMICOSMethodInfo(const Description& row);
+    explicit HMICOSMethodInfo(const Description& description);
 
 private:
     std::unique_ptr<nvcos::COSMethodSignature> m_signature;

@@ -17,40 +17,43 @@ COSNamespace* findNamespace(const char* fullName)
     return COSNamespace::getNamespace(nvcos::internal::makeInterned(fullName));
 }
 
-void addClass(COSNamespace* cosNamespace, std::unique_ptr<nvcos::COSClassInfo> info)
+void addNamespace(std::unique_ptr<nvcos::COSNamespaceInfo> info)
 {
-    cosNamespace->addClass(info.get(), 0, 2);
-    static_cast<void>(info.release());
+    handOver(std::move(info), [](nvcos::COSNamespaceInfo* taken) { COSNamespace::addNamespace(taken); });
 }
 
 void addInnerNamespace(COSNamespace* cosNamespace, std::unique_ptr<nvcos::COSNamespaceInfo> info)
 {
-    cosNamespace->addInnerNamespace(info.get());
-    static_cast<void>(info.release());
+    handOver(std::move(info),
+             [&](nvcos::COSNamespaceInfo* taken) { cosNamespace->addInnerNamespace(taken); });
 }
 
-// The order is fixed: the clients refer to the signals.
+void addClass(COSNamespace* cosNamespace, std::unique_ptr<nvcos::COSClassInfo> info)
+{
+    handOver(std::move(info), [&](nvcos::COSClassInfo* taken) { cosNamespace->addClass(taken, 0, 2); });
+}
+
+// Hosts list the classes of a namespace in the order in which they were added, and scripts rely on that
+// order. Neither class needs the other to be registered.
 void addClasses(COSNamespace* cosNamespace)
 {
     addClass(cosNamespace, std::make_unique<zm_hmi_foundation::InstrumentedSignalsCOSClassInfo>());
     addClass(cosNamespace, std::make_unique<zm_hmi_foundation::StreamingClientsCOSClassInfo>());
 }
 
-/// One way of registering: its flag and its pair of namespace infos. `Entry` tells the ways apart.
+/// The registration that belongs to one entry point, with its own flag and its own two namespace infos.
 template <class Entry>
 class Registration {
 public:
     static void run()
     {
-        // Set before anything can fail: a failed registration is not tried again.
+        // Set before anything can fail: a failed registration is not retried.
         if (std::exchange(m_done, true)) {
             return;
         }
         COSNamespace* outer = findNamespace("Zelmar");
         if (outer == nullptr) {
-            auto info = std::make_unique<ZELMARNVCOSNamespaceInfo>();
-            COSNamespace::addNamespace(info.get());
-            static_cast<void>(info.release());
+            addNamespace(std::make_unique<ZELMARNVCOSNamespaceInfo>());
             return;
         }
         if (COSNamespace* inner = findNamespace("Zelmar.HMI")) {
@@ -64,7 +67,10 @@ private:
     class HMINVCOSNamespaceInfo final : public nvcos::COSNamespaceInfo, public HostAllocated {
     public:
         const char* getName() const noexcept override { return "HMI"; }
-        void defineContents(COSNamespace* cosNamespace) override { addClasses(cosNamespace); }
+        void defineContents(COSNamespace* cosNamespace) override
+        {
+            withHostMemoryErrors([&] { addClasses(cosNamespace); });
+        }
     };
 
     class ZELMARNVCOSNamespaceInfo final : public nvcos::COSNamespaceInfo, public HostAllocated {
@@ -72,7 +78,8 @@ private:
         const char* getName() const noexcept override { return "Zelmar"; }
         void defineContents(COSNamespace* cosNamespace) override
         {
-            addInnerNamespace(cosNamespace, std::make_unique<HMINVCOSNamespaceInfo>());
+            withHostMemoryErrors(
+                [&] { addInnerNamespace(cosNamespace, std::make_unique<HMINVCOSNamespaceInfo>()); });
         }
     };
 
@@ -86,12 +93,12 @@ struct TestEntry;
 
 void NVInitialize_zm_hmi_foundation()
 {
-    Registration<ModuleEntry>::run();
+    withHostMemoryErrors([] { Registration<ModuleEntry>::run(); });
 }
 
 void NVTerminate_zm_hmi_foundation() {}
 
 void zm_hmi::testAPI::addStreamingClientNVCOSNamespace()
 {
-    Registration<TestEntry>::run();
+    withHostMemoryErrors([] { Registration<TestEntry>::run(); });
 }

@@ -9,19 +9,17 @@ namespace {
 
 using zm_hmi::InstrumentedSignals;
 
-/// "Model": the model's name. Scripts read it; an assignment changes nothing.
-class SignalsModelPI : public HMIBasePI {
+/// "Model": the model's name.
+class SignalsModelPI : public ReadOnlyPI {
 public:
     explicit SignalsModelPI(const nvcos::COSClass* owner)
-        : HMIBasePI(owner, "Model", type_name::unicodeString, nvcos::COSPropAccess::ScriptReadOnly,
-                    ValueKind::Text)
+        : ReadOnlyPI(owner, "Model", type_name::unicodeString, ValueKind::Text)
     {
     }
     nvcos::COSValue getValue(nvcos::COSInterface* instance) override
     {
         return static_cast<InstrumentedSignals*>(getInstanceData(instance))->getModelName();
     }
-    void setValue(nvcos::COSInterface* /*instance*/, nvcos::COSValue /*value*/) override {}
 };
 
 using SignalsCountPI = CollectionCountPI<InstrumentedSignals>;

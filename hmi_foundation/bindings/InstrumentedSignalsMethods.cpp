@@ -1,231 +1,146 @@
 #include "hmi_foundation/bindings/InstrumentedSignalsCOSClassInfo.hpp"
 
 #include "hmi/InstrumentedSignals.hpp"
-#include "hmi_foundation/bindings/CollectionBinding.hpp"
+#include "hmi_foundation/bindings/TypedMethod.hpp"
 
 #include <boost/make_shared.hpp>
 
-// One class a method: its row of the method table, and its body. Where a body takes an index, the index
-// is checked before anything is built from the other inputs.
+// One class a method: its row of the method table and its body. A body that takes an index checks it before
+// it makes a record from another input.
 
 namespace zm_hmi_foundation {
 
 namespace {
 
-using nvcos::COSClient;
-using nvcos::COSValue;
 using zm_hmi::InstrumentedSignals;
 using zm_hmi::SignalSpecification;
 
-constexpr const char* signalsType = "Zelmar.HMI.InstrumentedSignals";
-constexpr const char* signalType = "Zelmar.HMI.SignalSpecification";
-
-InstrumentedSignals& signalsOf(const COSValue& object)
+zm_hmi::SignalSpecificationPtr makeSignal(const InstrumentedSignals& signals, const nvArray* signal)
 {
-    return collectionOf<InstrumentedSignals>(object);
+    return boost::make_shared<SignalSpecification>(signal, 0, signals.getModelName());
 }
 
-zm_hmi::SignalSpecificationPtr makeSignal(const InstrumentedSignals& signals, const COSValue& signal)
-{
-    return boost::make_shared<SignalSpecification>(std::get<nvArray*>(signal), 0, signals.getModelName());
-}
-
-class InstrumentedSignalsConstructor : public HMICOSMethodInfo {
+class InstrumentedSignalsConstructor final : public TypedMethod<InstrumentedSignalsConstructor> {
 public:
-    InstrumentedSignalsConstructor()
-        : HMICOSMethodInfo({"InstrumentedSignals", {type_name::unicodeString}, {signalsType}, 1})
+    static constexpr const MethodRow& row = rowOf(signalsMethods, "InstrumentedSignals");
+    static void body(NewObject<InstrumentedSignals> made, std::optional<std::u16string> modelName)
     {
-    }
-    void invoke(const COSClient* /*client*/, int& outputCount, COSValue* outputs, int inputCount,
-                const COSValue* inputs) const override
-    {
-        // The new object is the output already.
-        if (inputCount > 0) {
-            signalsOf(outputs[0]).setModelName(std::get<std::u16string>(inputs[0]));
+        if (modelName) {
+            made.collection().setModelName(*modelName);
         }
-        outputCount = 1;
     }
 };
 
-class InstrumentedSignalsAdd : public HMICOSMethodInfo {
+class InstrumentedSignalsAdd final : public TypedMethod<InstrumentedSignalsAdd> {
 public:
-    InstrumentedSignalsAdd() : HMICOSMethodInfo({"add", {signalsType, signalType}, {}}) {}
-    void invoke(const COSClient* /*client*/, int& /*outputCount*/, COSValue* /*outputs*/, int /*inputCount*/,
-                const COSValue* inputs) const override
+    static constexpr const MethodRow& row = rowOf(signalsMethods, "add");
+    static void body(InstrumentedSignals& signals, const nvArray* signal)
     {
-        InstrumentedSignals& signals = signalsOf(inputs[0]);
-        signals.add(makeSignal(signals, inputs[1]));
+        signals.add(makeSignal(signals, signal));
     }
 };
 
-class InstrumentedSignalsSet : public HMICOSMethodInfo {
+class InstrumentedSignalsSet final : public TypedMethod<InstrumentedSignalsSet> {
 public:
-    InstrumentedSignalsSet()
-        : HMICOSMethodInfo({"set", {signalsType, type_name::uint32Scalar, signalType}, {}})
+    static constexpr const MethodRow& row = rowOf(signalsMethods, "set");
+    static void body(InstrumentedSignals& signals, std::uint32_t index, const nvArray* signal)
     {
-    }
-    void invoke(const COSClient* /*client*/, int& /*outputCount*/, COSValue* /*outputs*/, int /*inputCount*/,
-                const COSValue* inputs) const override
-    {
-        InstrumentedSignals& signals = signalsOf(inputs[0]);
-        const std::size_t index = indexInto(signals, inputs[1]);
-        signals.set(index, makeSignal(signals, inputs[2]));
+        const std::size_t place = indexInto(signals, index);
+        signals.set(place, makeSignal(signals, signal));
     }
 };
 
-class InstrumentedSignalsRemove : public HMICOSMethodInfo {
+class InstrumentedSignalsRemove final : public TypedMethod<InstrumentedSignalsRemove> {
 public:
-    InstrumentedSignalsRemove() : HMICOSMethodInfo({"remove", {signalsType, type_name::uint32Scalar}, {}}) {}
-    void invoke(const COSClient* /*client*/, int& /*outputCount*/, COSValue* /*outputs*/, int /*inputCount*/,
-                const COSValue* inputs) const override
+    static constexpr const MethodRow& row = rowOf(signalsMethods, "remove");
+    static void body(InstrumentedSignals& signals, std::uint32_t index)
     {
-        InstrumentedSignals& signals = signalsOf(inputs[0]);
-        signals.remove(indexInto(signals, inputs[1]));
+        signals.remove(indexInto(signals, index));
     }
 };
 
-class InstrumentedSignalsGet : public HMICOSMethodInfo {
+class InstrumentedSignalsGet final : public TypedMethod<InstrumentedSignalsGet> {
 public:
-    InstrumentedSignalsGet()
-        : HMICOSMethodInfo(
-              {"get", {signalsType, type_name::uint32Scalar, type_name::logicalScalar}, {type_name::any}, 1})
+    static constexpr const MethodRow& row = rowOf(signalsMethods, "get");
+    static OwnedArray body(InstrumentedSignals& signals, std::uint32_t index, std::optional<bool> asStruct)
     {
-    }
-    void invoke(const COSClient* /*client*/, int& outputCount, COSValue* outputs, int inputCount,
-                const COSValue* inputs) const override
-    {
-        const InstrumentedSignals& signals = signalsOf(inputs[0]);
-        const std::size_t index = indexInto(signals, inputs[1]);
-        const bool asStruct = inputCount == 3 && std::get<bool>(inputs[2]);
-        // Host code runs inside the conversion and may remove the element or end the collection.
-        const zm_hmi::SignalSpecificationPtr signal = signals.get(index);
+        const std::size_t place = indexInto(signals, index);
+        // Held and copied: host code that runs inside the conversion may remove the element or the
+        // collection.
+        const zm_hmi::SignalSpecificationPtr signal = signals.get(place);
         const std::u16string modelName = signals.getModelName();
-        setResult(outputs[0], signal->getNVCOSObject(modelName, asStruct));
-        outputCount = 1;
+        return signal->getNVCOSObject(modelName, asStruct.value_or(false));
     }
 };
 
-class InstrumentedSignalsIsPortObserved : public HMICOSMethodInfo {
+class InstrumentedSignalsIsPortObserved final : public TypedMethod<InstrumentedSignalsIsPortObserved> {
 public:
-    InstrumentedSignalsIsPortObserved()
-        : HMICOSMethodInfo({"isPortObserved", {signalsType, signalType}, {type_name::logicalScalar}})
+    static constexpr const MethodRow& row = rowOf(signalsMethods, "isPortObserved");
+    static bool body(InstrumentedSignals& signals, const nvArray* signal)
     {
-    }
-    void invoke(const COSClient* /*client*/, int& outputCount, COSValue* outputs, int /*inputCount*/,
-                const COSValue* inputs) const override
-    {
-        InstrumentedSignals& signals = signalsOf(inputs[0]);
-        outputs[0] = signals.isPortObserved(makeSignal(signals, inputs[1]).get());
-        outputCount = 1;
+        return signals.isPortObserved(makeSignal(signals, signal).get());
     }
 };
 
-class InstrumentedSignalsIsKWActivityObserved : public HMICOSMethodInfo {
+class InstrumentedSignalsIsKWActivityObserved final
+    : public TypedMethod<InstrumentedSignalsIsKWActivityObserved> {
 public:
-    InstrumentedSignalsIsKWActivityObserved()
-        : HMICOSMethodInfo(
-              {"isGivenKWActivityObserved",
-               {signalsType, type_name::unicodeString, type_name::doubleScalar, type_name::unicodeString},
-               {type_name::logicalScalar}})
+    static constexpr const MethodRow& row = rowOf(signalsMethods, "isGivenKWActivityObserved");
+    static bool body(InstrumentedSignals& signals, const std::u16string& blockPath, double kzid,
+                     const std::u16string& activity)
     {
-    }
-    void invoke(const COSClient* /*client*/, int& outputCount, COSValue* outputs, int /*inputCount*/,
-                const COSValue* inputs) const override
-    {
-        outputs[0] = signalsOf(inputs[0]).isKWActivityObserved(std::get<std::u16string>(inputs[1]),
-                                                               std::get<double>(inputs[2]),
-                                                               std::get<std::u16string>(inputs[3]));
-        outputCount = 1;
+        return signals.isKWActivityObserved(blockPath, kzid, activity);
     }
 };
 
-class InstrumentedSignalsIsAnyKWActivityObserved : public HMICOSMethodInfo {
+class InstrumentedSignalsIsAnyKWActivityObserved final
+    : public TypedMethod<InstrumentedSignalsIsAnyKWActivityObserved> {
 public:
-    InstrumentedSignalsIsAnyKWActivityObserved()
-        : HMICOSMethodInfo({"isAnyKWActivityObserved",
-                            {signalsType, type_name::unicodeString, type_name::doubleScalar},
-                            {type_name::logicalScalar}})
+    static constexpr const MethodRow& row = rowOf(signalsMethods, "isAnyKWActivityObserved");
+    static bool body(InstrumentedSignals& signals, const std::u16string& blockPath, double kzid)
     {
-    }
-    void invoke(const COSClient* /*client*/, int& outputCount, COSValue* outputs, int /*inputCount*/,
-                const COSValue* inputs) const override
-    {
-        outputs[0] = signalsOf(inputs[0]).isAnyKWActivityObserved(std::get<std::u16string>(inputs[1]),
-                                                                  std::get<double>(inputs[2]));
-        outputCount = 1;
+        return signals.isAnyKWActivityObserved(blockPath, kzid);
     }
 };
 
-class InstrumentedSignalsIsBlockAndPortObserved : public HMICOSMethodInfo {
+class InstrumentedSignalsIsBlockAndPortObserved final
+    : public TypedMethod<InstrumentedSignalsIsBlockAndPortObserved> {
 public:
-    InstrumentedSignalsIsBlockAndPortObserved()
-        // A signed port here, an unsigned one for the UUID methods: scripts rely on both as they are.
-        : HMICOSMethodInfo({"isGivenPortObserved",
-                            {signalsType, type_name::doubleScalar, type_name::int32Scalar},
-                            {type_name::logicalScalar}})
+    static constexpr const MethodRow& row = rowOf(signalsMethods, "isGivenPortObserved");
+    static bool body(InstrumentedSignals& signals, double blockHandle, std::int32_t port)
     {
-    }
-    void invoke(const COSClient* /*client*/, int& outputCount, COSValue* outputs, int /*inputCount*/,
-                const COSValue* inputs) const override
-    {
-        const InstrumentedSignals& signals = signalsOf(inputs[0]);
-        outputs[0] = signals.isPortObserved(std::get<double>(inputs[1]), std::get<std::int32_t>(inputs[2]));
-        outputCount = 1;
+        return std::as_const(signals).isPortObserved(blockHandle, port);
     }
 };
 
-// The two UUID methods take no object: they act on the process's block-port map. Scripts pass handle,
-// then port; the map is asked with port, then handle.
+// The two UUID methods take no object: they act on the process-wide map of block ports. Scripts pass the
+// handle before the port, the map takes the port before the handle.
 
-class InstrumentedSignalAddToPortUUIDmap : public HMICOSMethodInfo {
+class InstrumentedSignalAddToPortUUIDmap final : public TypedMethod<InstrumentedSignalAddToPortUUIDmap> {
 public:
-    InstrumentedSignalAddToPortUUIDmap()
-        : HMICOSMethodInfo({"setUUIDForBlock",
-                            {type_name::doubleScalar, type_name::uint32Scalar, type_name::asciiString},
-                            {}})
+    static constexpr const MethodRow& row = rowOf(signalsMethods, "setUUIDForBlock");
+    static void body(double blockHandle, std::uint32_t port, const std::string& uuid)
     {
-    }
-    void invoke(const COSClient* /*client*/, int& /*outputCount*/, COSValue* /*outputs*/, int /*inputCount*/,
-                const COSValue* inputs) const override
-    {
-        const std::string uuid = std::get<std::string>(inputs[2]);
-        SignalSpecification::addToBlockHandleUUIDmap(static_cast<int>(std::get<std::uint32_t>(inputs[1])),
-                                                     std::get<double>(inputs[0]), uuid);
+        SignalSpecification::addToBlockHandleUUIDmap(static_cast<int>(port), blockHandle, uuid);
     }
 };
 
-class InstrumentedSignalGetUUIDForBlock : public HMICOSMethodInfo {
+class InstrumentedSignalGetUUIDForBlock final : public TypedMethod<InstrumentedSignalGetUUIDForBlock> {
 public:
-    InstrumentedSignalGetUUIDForBlock()
-        : HMICOSMethodInfo({"getUUIDForBlock",
-                            {type_name::doubleScalar, type_name::uint32Scalar, type_name::logicalScalar},
-                            {type_name::any}})
+    static constexpr const MethodRow& row = rowOf(signalsMethods, "getUUIDForBlock");
+    static UncountedResult body(double blockHandle, std::uint32_t port, bool useMap)
     {
-    }
-    // Leaves the output count as the host passed it in, alone among the methods with a result.
-    void invoke(const COSClient* /*client*/, int& /*outputCount*/, COSValue* outputs, int /*inputCount*/,
-                const COSValue* inputs) const override
-    {
-        const std::string uuid = SignalSpecification::getUUIDFromBlockHandle(
-            static_cast<int>(std::get<std::uint32_t>(inputs[1])), std::get<double>(inputs[0]),
-            std::get<bool>(inputs[2]));
-        setResult(outputs[0], makeString(uuid));
+        return {makeString(
+            SignalSpecification::getUUIDFromBlockHandle(static_cast<int>(port), blockHandle, useMap))};
     }
 };
 
-class InstrumentedSignalsGetUUID : public HMICOSMethodInfo {
+class InstrumentedSignalsGetUUID final : public TypedMethod<InstrumentedSignalsGetUUID> {
 public:
-    InstrumentedSignalsGetUUID()
-        : HMICOSMethodInfo({"getUUID", {signalsType, type_name::uint32Scalar}, {type_name::any}})
+    static constexpr const MethodRow& row = rowOf(signalsMethods, "getUUID");
+    static OwnedArray body(InstrumentedSignals& signals, std::uint32_t index)
     {
-    }
-    void invoke(const COSClient* /*client*/, int& outputCount, COSValue* outputs, int /*inputCount*/,
-                const COSValue* inputs) const override
-    {
-        const InstrumentedSignals& signals = signalsOf(inputs[0]);
-        const std::size_t index = indexInto(signals, inputs[1]);
-        setResult(outputs[0], makeString(signals.get(index)->getUUID()));
-        outputCount = 1;
+        return makeString(signals.get(indexInto(signals, index))->getUUID());
     }
 };
 
@@ -233,18 +148,11 @@ public:
 
 void addInstrumentedSignalsMethods(nvcos::COSClass* cosClass)
 {
-    addMethod<InstrumentedSignalsConstructor>(cosClass);
-    addMethod<InstrumentedSignalsAdd>(cosClass);
-    addMethod<InstrumentedSignalsSet>(cosClass);
-    addMethod<InstrumentedSignalsRemove>(cosClass);
-    addMethod<InstrumentedSignalsGet>(cosClass);
-    addMethod<InstrumentedSignalsIsPortObserved>(cosClass);
-    addMethod<InstrumentedSignalsIsKWActivityObserved>(cosClass);
-    addMethod<InstrumentedSignalsIsAnyKWActivityObserved>(cosClass);
-    addMethod<InstrumentedSignalsIsBlockAndPortObserved>(cosClass);
-    addMethod<InstrumentedSignalAddToPortUUIDmap>(cosClass);
-    addMethod<InstrumentedSignalGetUUIDForBlock>(cosClass);
-    addMethod<InstrumentedSignalsGetUUID>(cosClass);
+    addMethods<signalsMethods, InstrumentedSignalsConstructor, InstrumentedSignalsAdd, InstrumentedSignalsSet,
+               InstrumentedSignalsRemove, InstrumentedSignalsGet, InstrumentedSignalsIsPortObserved,
+               InstrumentedSignalsIsKWActivityObserved, InstrumentedSignalsIsAnyKWActivityObserved,
+               InstrumentedSignalsIsBlockAndPortObserved, InstrumentedSignalAddToPortUUIDmap,
+               InstrumentedSignalGetUUIDForBlock, InstrumentedSignalsGetUUID>(cosClass);
 }
 
 }  // namespace zm_hmi_foundation

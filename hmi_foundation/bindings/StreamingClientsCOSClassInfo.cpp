@@ -1,36 +1,26 @@
 #include "hmi_foundation/bindings/StreamingClientsCOSClassInfo.hpp"
 
 #include "hmi/StreamingClients.hpp"
-#include "hmi_foundation/bindings/CollectionBinding.hpp"
+#include "hmi_foundation/bindings/TypedMethod.hpp"
 
 #include <boost/make_shared.hpp>
 
-// One class a method: its row of the method table, and its body. Where a body takes an index, the index
-// is checked before anything is built from the other inputs.
+// One class a method: its row of the method table and its body. A body that takes an index checks it before
+// it makes a record from another input.
 
 namespace zm_hmi_foundation {
 
 namespace {
 
-using nvcos::COSClient;
-using nvcos::COSValue;
 using zm_hmi::SignalClient;
 using zm_hmi::StreamingClients;
 
-constexpr const char* clientsType = "Zelmar.HMI.StreamingClients";
-constexpr const char* clientType = "Zelmar.HMI.SignalClient";
-
-StreamingClients& clientsOf(const COSValue& object)
+zm_hmi::SignalClientPtr makeClient(const StreamingClients& clients, const nvArray* client)
 {
-    return collectionOf<StreamingClients>(object);
+    return boost::make_shared<SignalClient>(client, 0, clients.getModelName());
 }
 
-zm_hmi::SignalClientPtr makeClient(const StreamingClients& clients, const COSValue& client)
-{
-    return boost::make_shared<SignalClient>(std::get<nvArray*>(client), 0, clients.getModelName());
-}
-
-/// "Model": the model's name. Unlike that of the signals it is writable, and renames the model.
+/// "Model": the model's name. Unlike that of the signals it can be assigned, which renames the model.
 class ClientsModelPI : public HMIBasePI {
 public:
     explicit ClientsModelPI(const nvcos::COSClass* owner)
@@ -52,73 +42,54 @@ public:
 using ClientsCountPI = CollectionCountPI<StreamingClients>;
 using ClientsPersistencePI = CollectionPersistencePI<StreamingClients>;
 
-class StreamingClientsConstructor : public HMICOSMethodInfo {
+class StreamingClientsConstructor final : public TypedMethod<StreamingClientsConstructor> {
 public:
-    StreamingClientsConstructor()
-        : HMICOSMethodInfo({"StreamingClients", {type_name::unicodeString}, {clientsType}, 1})
+    static constexpr const MethodRow& row = rowOf(clientsMethods, "StreamingClients");
+    static void body(NewObject<StreamingClients> made, std::optional<std::u16string> modelName)
     {
-    }
-    void invoke(const COSClient* /*client*/, int& outputCount, COSValue* outputs, int inputCount,
-                const COSValue* inputs) const override
-    {
-        // The new object is the output already.
-        if (inputCount > 0) {
-            clientsOf(outputs[0]).setModelName(std::get<std::u16string>(inputs[0]));
+        if (modelName) {
+            made.collection().setModelName(*modelName);
         }
-        outputCount = 1;
     }
 };
 
-class StreamingClientsAdd : public HMICOSMethodInfo {
+class StreamingClientsAdd final : public TypedMethod<StreamingClientsAdd> {
 public:
-    StreamingClientsAdd() : HMICOSMethodInfo({"add", {clientsType, clientType}, {}}) {}
-    void invoke(const COSClient* /*client*/, int& /*outputCount*/, COSValue* /*outputs*/, int /*inputCount*/,
-                const COSValue* inputs) const override
+    static constexpr const MethodRow& row = rowOf(clientsMethods, "add");
+    static void body(StreamingClients& clients, const nvArray* client)
     {
-        StreamingClients& clients = clientsOf(inputs[0]);
-        clients.add(makeClient(clients, inputs[1]));
+        clients.add(makeClient(clients, client));
     }
 };
 
-class StreamingClientsSet : public HMICOSMethodInfo {
+class StreamingClientsSet final : public TypedMethod<StreamingClientsSet> {
 public:
-    StreamingClientsSet() : HMICOSMethodInfo({"set", {clientsType, type_name::uint32Scalar, clientType}, {}})
+    static constexpr const MethodRow& row = rowOf(clientsMethods, "set");
+    static void body(StreamingClients& clients, std::uint32_t index, const nvArray* client)
     {
-    }
-    void invoke(const COSClient* /*client*/, int& /*outputCount*/, COSValue* /*outputs*/, int /*inputCount*/,
-                const COSValue* inputs) const override
-    {
-        StreamingClients& clients = clientsOf(inputs[0]);
-        const std::size_t index = indexInto(clients, inputs[1]);
-        clients.set(index, makeClient(clients, inputs[2]));
+        const std::size_t place = indexInto(clients, index);
+        clients.set(place, makeClient(clients, client));
     }
 };
 
-class StreamingClientsRemove : public HMICOSMethodInfo {
+class StreamingClientsRemove final : public TypedMethod<StreamingClientsRemove> {
 public:
-    StreamingClientsRemove() : HMICOSMethodInfo({"remove", {clientsType, type_name::uint32Scalar}, {}}) {}
-    void invoke(const COSClient* /*client*/, int& /*outputCount*/, COSValue* /*outputs*/, int /*inputCount*/,
-                const COSValue* inputs) const override
+    static constexpr const MethodRow& row = rowOf(clientsMethods, "remove");
+    static void body(StreamingClients& clients, std::uint32_t index)
     {
-        StreamingClients& clients = clientsOf(inputs[0]);
-        clients.remove(indexInto(clients, inputs[1]));
+        clients.remove(indexInto(clients, index));
     }
 };
 
-// Its result is declared as the client class, where the signals' "get" declares "any", and it has no struct
-// form.
-class StreamingClientsGet : public HMICOSMethodInfo {
+class StreamingClientsGet final : public TypedMethod<StreamingClientsGet> {
 public:
-    StreamingClientsGet() : HMICOSMethodInfo({"get", {clientsType, type_name::uint32Scalar}, {clientType}}) {}
-    void invoke(const COSClient* /*client*/, int& outputCount, COSValue* outputs, int /*inputCount*/,
-                const COSValue* inputs) const override
+    static constexpr const MethodRow& row = rowOf(clientsMethods, "get");
+    static OwnedArray body(StreamingClients& clients, std::uint32_t index)
     {
-        const StreamingClients& clients = clientsOf(inputs[0]);
-        // Host code runs inside the conversion and may remove the client.
-        const zm_hmi::SignalClientPtr client = clients.getShared(indexInto(clients, inputs[1]));
+        // Held and copied: host code that runs inside the conversion may remove the client or the collection.
+        const zm_hmi::SignalClientPtr client = clients.getShared(indexInto(clients, index));
         const std::u16string modelName = clients.getModelName();
-        setResult(outputs[0], client->getNVCOSObject(modelName));
-        outputCount = 1;
+        return client->getNVCOSObject(modelName);
     }
 };
 
@@ -131,11 +102,8 @@ void StreamingClientsCOSClassInfo::initializeClass(nvcos::COSClass* cosClass,
         addProperty<ClientsModelPI>(cosClass);
         addProperty<ClientsCountPI>(cosClass);
         addProperty<ClientsPersistencePI>(cosClass);
-        addMethod<StreamingClientsConstructor>(cosClass);
-        addMethod<StreamingClientsAdd>(cosClass);
-        addMethod<StreamingClientsSet>(cosClass);
-        addMethod<StreamingClientsRemove>(cosClass);
-        addMethod<StreamingClientsGet>(cosClass);
+        addMethods<clientsMethods, StreamingClientsConstructor, StreamingClientsAdd, StreamingClientsSet,
+                   StreamingClientsRemove, StreamingClientsGet>(cosClass);
     });
 }
 

@@ -2,8 +2,11 @@
 
 from __future__ import annotations
 
+import functools
 import inspect
+import json
 from collections.abc import Callable, Iterable, Iterator, Sequence
+from pathlib import Path
 from reprlib import repr as short_repr
 from typing import Any, overload
 
@@ -180,13 +183,30 @@ def _telling_properties(instance: HostObject) -> Iterator[tuple[str, Any]]:
             yield name, value
 
 
-def _signature(method: _zmhost.MethodDescription, has_self: bool) -> inspect.Signature:
+@functools.cache
+def _help() -> dict[str, Any]:
+    """What the build knows of the library's classes: names of arguments, and a sentence for each member."""
+    described: dict[str, Any] = json.loads(Path(__file__).with_name("_help.json").read_text(encoding="utf-8"))
+    return described
+
+
+def _method_help(owner: str, name: str) -> tuple[list[str], str]:
+    """The names of all inputs of a method, the object among them, and its sentence; of other classes none."""
+    entry = _help().get(owner, {}).get("methods", {}).get(name)
+    return ([each["name"] for each in entry["inputs"]], entry["help"]) if entry else ([], "")
+
+
+def _signature(
+    method: _zmhost.MethodDescription, has_self: bool, names: Sequence[str] = ()
+) -> inspect.Signature:
     parameters = [inspect.Parameter("self", inspect.Parameter.POSITIONAL_ONLY)] if has_self else []
     required = len(method.inputs) - method.optional_inputs
+    # Of an instance method the names include the object, the inputs do not.
+    shown = list(names)[len(names) - len(method.inputs) :] if len(names) >= len(method.inputs) else []
     for i, type_name in enumerate(method.inputs):
         parameters.append(
             inspect.Parameter(
-                f"arg{i + 1}",
+                shown[i] if shown else f"arg{i + 1}",
                 inspect.Parameter.POSITIONAL_ONLY,
                 default=inspect.Parameter.empty if i < required else _LeftOut(),
                 annotation=_TypeName(type_name),
@@ -214,12 +234,14 @@ def _make_method(owner: str, method: _zmhost.MethodDescription) -> Any:
     function.__name__ = name
     function.__qualname__ = f"{class_name}.{name}"
     function.__module__ = namespace
-    function.__signature__ = _signature(method, has_self=not is_static)
-    function.__doc__ = f"{method.signature}\n\nA{' static' if is_static else ''} method of {owner}."
+    names, sentence = _method_help(owner, name)
+    function.__signature__ = _signature(method, has_self=not is_static, names=names)
+    parts = [method.signature, sentence, f"A{' static' if is_static else ''} method of {owner}."]
+    function.__doc__ = "\n\n".join(part for part in parts if part)
     return staticmethod(function) if is_static else function
 
 
-def _make_property(description: _zmhost.PropertyDescription) -> property:
+def _make_property(owner: str, description: _zmhost.PropertyDescription) -> property:
     name = description.name
 
     def read(self: HostObject) -> Any:
@@ -228,7 +250,10 @@ def _make_property(description: _zmhost.PropertyDescription) -> property:
     def assign(self: HostObject, value: Any) -> None:
         _zmhost.set_property(self._value, name, value)
 
+    sentence = _help().get(owner, {}).get("properties", {}).get(name)
     doc = f"{description.type}{', read only' if description.read_only else ''}"
+    if sentence:
+        doc += f"\n\n{sentence}"
     return property(read, None if description.read_only else assign, doc=doc)
 
 
@@ -238,7 +263,8 @@ def _make_constructor(description: _zmhost.ClassDescription) -> Callable[..., No
 
     signature = inspect.Signature([inspect.Parameter("self", inspect.Parameter.POSITIONAL_ONLY)])
     if description.constructor is not None:
-        signature = _signature(description.constructor, has_self=True)
+        names, _ = _method_help(description.full_name, description.simple_name)
+        signature = _signature(description.constructor, has_self=True, names=names)
     keywords = inspect.Parameter("properties", inspect.Parameter.VAR_KEYWORD)
     function: Any = construct
     function.__name__ = "__init__"
@@ -253,7 +279,9 @@ def _make_constructor(description: _zmhost.ClassDescription) -> Callable[..., No
 
 def _class_doc(description: _zmhost.ClassDescription) -> str:
     made_by = description.constructor.signature if description.constructor else f"{description.simple_name}()"
-    return f"The host class {description.full_name}.\n\n{made_by}"
+    _, sentence = _method_help(description.full_name, description.simple_name)
+    parts = [f"The host class {description.full_name}.", made_by, sentence]
+    return "\n\n".join(part for part in parts if part)
 
 
 def _make_type(description: _zmhost.ClassDescription) -> type[HostObject]:
@@ -269,7 +297,7 @@ def _make_type(description: _zmhost.ClassDescription) -> type[HostObject]:
     for method in description.methods:
         members[method.name] = _make_method(description.full_name, method)
     for prop in description.properties:
-        members[prop.name] = _make_property(prop)
+        members[prop.name] = _make_property(description.full_name, prop)
     if _sequences.REQUIRED_PROPERTY in members and _sequences.REQUIRED_METHOD in members:
         members.update(_sequences.MEMBERS)
     return type(description.simple_name, (HostObject,), members)

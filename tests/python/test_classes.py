@@ -35,7 +35,7 @@ def test_a_class_is_one_type():
 
 def test_methods_have_the_registered_signature():
     get = Zelmar.HMI.InstrumentedSignals.get
-    assert str(inspect.signature(get)) == "(self, arg1: uint32 scalar, arg2: logical scalar = ..., /) -> any"
+    assert str(inspect.signature(get)) == "(self, index: uint32 scalar, as_struct: logical scalar = ..., /) -> any"
     inspect.signature(get).bind(None, 1)
     with pytest.raises(TypeError):
         inspect.signature(get).bind(None)
@@ -44,7 +44,30 @@ def test_methods_have_the_registered_signature():
 def test_help_shows_the_registered_signature():
     text = pydoc.plain(pydoc.render_doc(Zelmar.HMI.InstrumentedSignals.get))
     assert "get(obj, uint32 scalar, [logical scalar]) -> any" in text
-    assert "arg1: uint32 scalar" in text
+    assert "index: uint32 scalar" in text
+
+
+def test_help_says_what_each_method_and_property_is_for():
+    for cls in (Zelmar.HMI.InstrumentedSignals, Zelmar.HMI.StreamingClients):
+        for name in dir(cls):
+            member = inspect.getattr_static(cls, name)
+            if name.startswith("_"):
+                continue
+            assert len((member.__doc__ or "").split("\n\n")) >= 2, name
+            if not isinstance(member, property):
+                assert not any(p.startswith("arg") for p in inspect.signature(getattr(cls, name)).parameters), name
+    text = pydoc.plain(pydoc.render_doc(Zelmar.HMI.InstrumentedSignals.get))
+    assert "Returns a copy of the signal at an index, from 1: an object, or a struct where as_struct is true." in text
+
+
+def test_help_of_a_static_method_names_every_argument():
+    signature = str(inspect.signature(Zelmar.HMI.InstrumentedSignals.setUUIDForBlock))
+    assert signature == "(block_handle: double scalar, port: uint32 scalar, uuid: asciiString, /)"
+
+
+def test_methods_of_other_classes_have_numbered_arguments():
+    signature = str(inspect.signature(Zelmar.HMI.ModelObservers.createFromSignalsAndClients))
+    assert "arg1" in signature
 
 
 def test_help_on_the_class_shows_constructor_methods_and_properties():

@@ -41,9 +41,9 @@ TEST_F(CollectionBinding, AnIndexIsCheckedAgainstTheCollectionOnlyForZero)
 {
     InstrumentedSignals signals;
     signals.add(zm_hmi::makeSignal({}));
-    EXPECT_EQ(indexInto(signals, nvcos::COSValue(std::uint32_t{1})), 0U);
-    EXPECT_EQ(indexInto(signals, nvcos::COSValue(std::uint32_t{7})), 6U);
-    EXPECT_THROW(indexInto(signals, nvcos::COSValue(std::uint32_t{0})), zmsvException);
+    EXPECT_EQ(indexInto(signals, std::uint32_t{1}), 0U);
+    EXPECT_EQ(indexInto(signals, std::uint32_t{7}), 6U);
+    EXPECT_THROW(indexInto(signals, std::uint32_t{0}), zmsvException);
 }
 
 }  // namespace
