@@ -125,9 +125,13 @@ py::object numberToPython(const nvArray* value, std::size_t index)
         if (!reference_host::isComplex(value)) {
             return numberObject(reference_host::readNumber<Number>(data, index));
         }
-        return py::reinterpret_steal<py::object>(PyComplex_FromDoubles(
+        auto number = py::reinterpret_steal<py::object>(PyComplex_FromDoubles(
             static_cast<double>(reference_host::readNumber<Number>(data, 2 * index)),
             static_cast<double>(reference_host::readNumber<Number>(data, 2 * index + 1))));
+        if (!number) {
+            throw py::error_already_set();
+        }
+        return number;
     });
 }
 

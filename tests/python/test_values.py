@@ -5,7 +5,7 @@ import math
 import pytest
 
 import zmhost
-from zmhost import CellArray, Matrix, StructArray, _zmhost
+from zmhost import CellArray, Matrix, StructArray, Zelmar, _zmhost
 
 
 @pytest.mark.parametrize(
@@ -229,3 +229,23 @@ class MadeWhenAsked:
 
 def test_an_object_array_takes_objects_that_only_the_sequence_makes():
     assert _zmhost.make_object_array("Zelmar.HMI.SignalClient", MadeWhenAsked()).dims == (3, 1)
+
+
+class RaisingIndex:
+    def __index__(self):
+        raise ArithmeticError("no number")
+
+
+@pytest.mark.parametrize("where", [lambda odd: odd, lambda odd: [odd], lambda odd: {"field": odd}])
+def test_an_object_whose_index_raises_is_no_number(where):
+    with pytest.raises(ArithmeticError, match="no number"):
+        Zelmar.HMI.SignalClient(ObserverParams_=where(RaisingIndex()))
+
+
+def test_an_index_that_gives_no_int_is_an_error():
+    class Odd:
+        def __index__(self):
+            return "text"
+
+    with pytest.raises(TypeError):
+        Zelmar.HMI.SignalSpecification(OutputPortIndex_=Odd())
