@@ -4,6 +4,7 @@
 #include "python/ScriptFunctions.hpp"
 #include "python/ValueHandle.hpp"
 #include "reference_host/classes/ClassSystem.hpp"
+#include "reference_host/classes/Instance.hpp"
 #include "reference_host/classes/RecordClass.hpp"
 #include "reference_host/model/OpenModels.hpp"
 #include "reference_host/observers/AlignedPaths.hpp"
@@ -38,6 +39,7 @@ void endClasses() noexcept
 {
     try {
         reference_host::endRecordValues();
+        reference_host::Instance::endLibraryData();
         reference_host::ClassSystem::reset();
     } catch (const std::exception&) {
         return;

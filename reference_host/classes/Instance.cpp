@@ -8,6 +8,8 @@
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"
 
+#include <utility>
+
 namespace reference_host {
 
 namespace {
@@ -39,12 +41,36 @@ Instance::Instance(RegisteredClass& cosClass) : m_class(cosClass)
 {
     m_class.countInstance();
     instances().open();
+    if (m_next != nullptr) {
+        m_next->m_previous = this;
+    }
+    m_first = this;
 }
 
 Instance::~Instance()
 {
+    (m_previous != nullptr ? m_previous->m_next : m_first) = m_next;
+    if (m_next != nullptr) {
+        m_next->m_previous = m_previous;
+    }
     m_class.discountInstance();
     instances().close();
+}
+
+void Instance::endLibraryData() noexcept
+{
+    const auto withData = [] {
+        Instance* instance = m_first;
+        while (instance != nullptr && !(instance->m_hasData && instance->m_class.isLibraryClass())) {
+            instance = instance->m_next;
+        }
+        return instance;
+    };
+    // Ending the data of one instance may end others.
+    while (Instance* instance = withData()) {
+        const nvcos::COSInterfacePtr held(instance);
+        instance->deallocate();
+    }
 }
 
 void Instance::addReference() noexcept
@@ -77,10 +103,10 @@ void Instance::allocate()
 /// A class that throws here breaks its contract and ends the process: nothing could handle the error.
 void Instance::deallocate() noexcept
 {
-    if (!m_hasData) {
+    if (!std::exchange(m_hasData, false)) {
         return;
     }
-    const auto body = [this] { m_class.info().deallocateInstance(this, m_data); };
+    const auto body = [this] { m_class.info().deallocateInstance(this, std::exchange(m_data, nullptr)); };
     if (m_class.isLibraryClass()) {
         callLibrary("deallocateInstance", body, m_class.fullName());
     } else {

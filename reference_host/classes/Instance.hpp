@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/ClassObjects.hpp"
+#include "reference_host/Export.hpp"
 
 #include <cstddef>
 #include <string>
@@ -19,6 +20,10 @@ public:
     /// REQUIRES: an instance of this host, as all instances are that cross the boundary.
     static Instance& of(const nvcos::COSInterface& instance);
 
+    /// Has the classes of libraries end the native data of their instances, for the end of a program: data
+    /// that refers to its own instance keeps it alive. Instances that are referenced afterwards have no data.
+    static ZM_REFHOST_API void endLibraryData() noexcept;
+
     void addReference() noexcept override;
     void releaseReference() noexcept override;
 
@@ -32,7 +37,11 @@ private:
     void allocate();
     void deallocate() noexcept;
 
+    static inline Instance* m_first = nullptr;  // the list of all instances
+
     RegisteredClass& m_class;
+    Instance* m_next = m_first;
+    Instance* m_previous = nullptr;
     void* m_data = nullptr;
     bool m_hasData = false;
     std::size_t m_references = 0;

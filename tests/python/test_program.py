@@ -87,6 +87,23 @@ def test_objects_that_hold_each_other_are_no_leak(run, script, runner):
 
 
 @pytest.mark.parametrize("runner", [("-m", "zmhost"), ()])
+def test_a_collection_whose_client_holds_it_is_no_leak(run, script, runner):
+    file = script(
+        """
+        from zmhost import Zelmar
+        clients = Zelmar.HMI.StreamingClients("plant")
+        clients.add(Zelmar.HMI.SignalClient(ObserverParams_={"owner": clients}))
+        other = Zelmar.HMI.StreamingClients("plant")
+        link = Zelmar.HMI.SignalClient()
+        link.ObserverParams_ = other
+        other.add(Zelmar.HMI.SignalClient(ObserverParams_=[link, clients]))
+        """
+    )
+    result = run(*runner, file)
+    assert (result.returncode, result.stderr) == (0, "")
+
+
+@pytest.mark.parametrize("runner", [("-m", "zmhost"), ()])
 def test_a_value_that_native_code_leaves_open_fails_the_program(run, script, runner):
     result = run(*runner, script(LEAK))
     assert result.returncode == 3
