@@ -2,9 +2,9 @@
 
 #include "hmi/Numbers.hpp"
 #include "host/HostCall.hpp"
+#include "host/Memory.hpp"
 
 #include <array>
-#include <new>
 #include <utility>
 
 namespace zm_hmi {
@@ -34,19 +34,27 @@ std::string orEmpty(const char* text)
     return text != nullptr ? text : "";
 }
 
-// Reads what the host answered; false when it cannot be read. The editor's queries never fail towards their
-// caller, so an answer of another class than it should have is one warning, as a call that fails is. Records
-// that are read from an answer, or written with it, let it pass out as the host error that it is.
-template <class Read>
-bool readOrWarn(Read read)
+// Shows the host error in flight as a warning. Of a host that cannot even make a diagnostic there is none.
+void warnOfErrorInFlight()
 {
     try {
-        read();
-        return true;
-    } catch (const zmsvException&) {
         zmsvReportAsWarning(zmsvCreateDiagnosticFromCatchClause());
-        return false;
+    } catch (const zmsvException&) {  // NOLINT(bugprone-empty-catch): see above
     }
+}
+
+// Runs a query. The editor's queries never fail towards their caller: a host error in making the arguments or
+// reading the answer becomes one warning, as a failed call does. Only short memory is thrown.
+template <class Query>
+void warnInsteadOfThrowing(Query query)
+{
+    withHostMemoryErrors([&] {
+        try {
+            query();
+        } catch (const zmsvException&) {
+            warnOfErrorInFlight();
+        }
+    });
 }
 
 std::vector<InstrumentedSignals::Source> readSources(const std::array<OwnedArray, 10>& results)
@@ -74,40 +82,39 @@ std::vector<InstrumentedSignals::Source> readSources(const std::array<OwnedArray
 void InstrumentedSignals::getObservedPorts(const nvArray* model, const char* firstText,
                                            const char* secondText, std::vector<Source>& sources,
                                            bool firstSwitch, bool secondSwitch)
-try {
-    if (model == nullptr) {
-        sources.clear();
-        return;
-    }
-    const OwnedArray first = asLocalTemporary(makeString(orEmpty(firstText)));
-    const OwnedArray second = asLocalTemporary(makeString(orEmpty(secondText)));
-    const OwnedArray third = asLocalTemporary(makeLogical(firstSwitch));
-    const OwnedArray fourth = asLocalTemporary(makeLogical(secondSwitch));
-    const auto [succeeded, results] =
-        callHostNoThrow<10>("getObservedPorts", model, first.get(), second.get(), third.get(), fourth.get());
-    if (!succeeded || !readOrWarn([&] { sources = readSources(results); })) {
-        sources.clear();
-    }
-} catch (const std::bad_alloc&) {
-    zmsvThrowOutOfMemory();
+{
+    std::vector<Source> found;  // the texts may be those of a source in `sources`
+    warnInsteadOfThrowing([&] {
+        if (model == nullptr) {
+            return;
+        }
+        const OwnedArray first = asLocalTemporary(makeString(orEmpty(firstText)));
+        const OwnedArray second = asLocalTemporary(makeString(orEmpty(secondText)));
+        const OwnedArray third = asLocalTemporary(makeLogical(firstSwitch));
+        const OwnedArray fourth = asLocalTemporary(makeLogical(secondSwitch));
+        const auto [succeeded, results] = callHostNoThrow<10>("getObservedPorts", model, first.get(),
+                                                              second.get(), third.get(), fourth.get());
+        if (succeeded) {
+            found = readSources(results);
+        }
+    });
+    sources = std::move(found);
 }
 
 void InstrumentedSignals::getPortsWithBadges(const nvArray* model, std::set<double>& handles)
-try {
+{
     if (nvIsEmpty(model)) {
         return;
     }
-    const HostCallResult<1> result = callHostNoThrow<1>("getPortsWithBadges", model);
-    const nvArray* found = result.outputs[0].get();
-    readOrWarn([&] {
+    warnInsteadOfThrowing([&] {
+        const HostCallResult<1> result = callHostNoThrow<1>("getPortsWithBadges", model);
+        const nvArray* found = result.outputs[0].get();
         std::set<double> badged;
         for (std::size_t i = 0; i < nvGetNumberOfElements(found); ++i) {
             badged.insert(nvGetElement(found, i));
         }
         handles.merge(badged);
     });
-} catch (const std::bad_alloc&) {
-    zmsvThrowOutOfMemory();
 }
 
 }  // namespace zm_hmi

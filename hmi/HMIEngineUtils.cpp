@@ -9,7 +9,7 @@ namespace zm_hmi {
 
 namespace {
 
-// The host function always gets two arguments: an empty one stands for a text that could not be made.
+// The host function always gets two arguments: an empty value where the text could not be made.
 template <class Text>
 OwnedArray makeArgument(const Text& text)
 {

@@ -11,8 +11,8 @@ class HMIEngineUtils {
 public:
     HMIEngineUtils() = delete;
 
-    /// Tells the host that the parameters of a block, given by its full path, have changed. Never fails and
-    /// never says anything: a refresh that fails must not disturb the edit that caused it. Main thread only.
+    /// Tells the host that the parameters of a block, given by its full path, have changed. Errors are
+    /// discarded: a failed refresh must not disturb the edit that caused it. Main thread only.
     ZM_HMI_API static void updateParamsForBlock(const std::u16string& blockPath) noexcept;
 };
 

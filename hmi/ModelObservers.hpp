@@ -6,9 +6,9 @@
 
 namespace zm_hmi {
 
-/// A model's observer setting: one host object of class "Zelmar.HMI.ModelObservers", the pair of the
-/// model's instrumented signals and its streaming clients, kept alive; or none. What the pair is made of is
-/// the host's business. Main thread only.
+/// A model's observer setting: one host object of class "Zelmar.HMI.ModelObservers", the pair of the model's
+/// instrumented signals and its streaming clients, or none. Host functions make the pair and split it. Short
+/// memory is the host's out-of-memory exception. Main thread only.
 class ZM_HMI_API ModelObservers {
 public:
     /// Keeps a shared-data copy of the value; an empty value is none. Throws as `validateDataFormat`.

@@ -15,11 +15,15 @@ namespace zm_hmi {
 
 /// One observer of one instrumented signal: a dashboard widget or another consumer of the signal's values.
 ///
-/// A record is made from a host value, by `clone` or empty, and then held by shared pointer. Element 0 of
-/// its model path lies in the observer's own model and is held without the model name, which is added when
-/// a host value is made and removed when an object is read. The observed signal is named by UUID and
-/// resolved through the host on first demand. Main thread only.
-class SignalClient {
+/// A record is made from a host value, by `clone` or empty, and then held by shared pointer. Element 0 of its
+/// model path lies in the observer's own model and is kept without the model name, which is added when a host
+/// value is made and removed when an object is read. The observed signal is named by UUID and resolved
+/// through the host on first demand.
+///
+/// A function that fails leaves the record as it was. Short memory is the host's out-of-memory exception,
+/// except in the accessors at the end, which are compiled into their caller and throw `std::bad_alloc`. Main
+/// thread only.
+class ZM_HMI_API SignalClient {
 public:
     /// Every text empty, every number 1, no parameters.
     SignalClient() = default;
@@ -36,8 +40,8 @@ public:
     /// A second record with a copy of every member, the resolved signal excepted. The caller owns it.
     SignalClient* clone() const;
 
-    /// True when all persisted members are equal; the parameters are compared by the host's "isequal",
-    /// whose failure passes through, and only when all else agrees.
+    /// Whether all persisted members are equal; false for null. The parameters are compared last, by the
+    /// host's "isequal", and only when all else is equal. A failure of "isequal" is thrown.
     bool isEqual(const SignalClient* other) const;
 
     // ---- host forms ----
@@ -46,8 +50,8 @@ public:
     static const char* const* getStructFields();
     static std::size_t getNumStructFields();
 
-    /// Fills element `index` of a struct array, nothing of which is set yet, with the model name added to
-    /// the first path element.
+    /// Fills element `index` of a struct array, adding the model name to the first path element. After a
+    /// failure some fields of the element are set. REQUIRES: no field of the element is set.
     void createStructData(nvArray* structArray, std::size_t index, const std::u16string& modelName) const;
 
     /// As `createStructData` without a model name: the form that is saved.
@@ -56,7 +60,7 @@ public:
     /// Reads element `index` of a persisted struct array. Paths are taken as they are.
     void setFromPersistentData(const nvArray* structArray, std::size_t index);
 
-    /// Reads every property of an object of the host class and takes the model name off the paths.
+    /// Reads every property of an object of the host class and removes the model name from the paths.
     void setFromNVCOS(const nvArray* object, const std::u16string& modelName);
 
     /// A new object of the host class; null, after one warning, when the host refuses to make one.
@@ -64,29 +68,29 @@ public:
 
     void stripModelName(const std::u16string& modelName);
 
-    /// Takes on the new name where the observer belonged to the model or to none. The field "ModelName"
-    /// of the parameters follows every rename, also one of another model.
+    /// Sets the source model to the new name where it is empty or the old name. The field "ModelName" of the
+    /// parameters, where there is one, always becomes the new name.
     void renameModel(const std::u16string& oldName, const std::u16string& newName);
 
     bool isDeprecatedObserver() const;
 
     // ---- the observed signal, resolved through the host ----
 
-    /// The observed signal as the host knows it, or null. Kept once it is found, and the record's; asked for
-    /// again, with a warning each time the host refuses, while it is not.
-    ZM_HMI_API SignalSpecification* getSignalSpecification(const std::u16string& modelName);
+    /// [borrowed] The observed signal as the host knows it, or null. It is kept once it was found; until then
+    /// each call asks the host again, with a warning each time the host refuses.
+    SignalSpecification* getSignalSpecification(const std::u16string& modelName);
 
     /// The signal's cached port (1-based), or 0.
-    ZM_HMI_API int getAlignedPortIndex(const std::u16string& modelName);
+    int getAlignedPortIndex(const std::u16string& modelName);
     /// The signal's decimation, or 1.
-    ZM_HMI_API int getDecimation(const std::u16string& modelName);
+    int getDecimation(const std::u16string& modelName);
     /// The signal's maximum number of points, or 0.
-    ZM_HMI_API int getMaxPoints(const std::u16string& modelName);
+    int getMaxPoints(const std::u16string& modelName);
 
-    /// `path` becomes the observer's path followed by the block's current path, and `subPath` the signal's
-    /// path inside the block; both become empty when the host gives no path.
-    ZM_HMI_API void getAlignedBlockPath(const std::u16string& modelName, std::vector<std::u16string>& path,
-                                        std::u16string& subPath);
+    /// Sets `path` to the observer's path followed by the block's current path, and `subPath` to the signal's
+    /// path inside the block. Both are empty when the host gives no path, and after a failure.
+    void getAlignedBlockPath(const std::u16string& modelName, std::vector<std::u16string>& path,
+                             std::u16string& subPath);
 
     // ---- members ----
 
@@ -117,11 +121,15 @@ public:
     void setBusLeafPath(const std::string& value) { BusLeafPath_ = value; }
 
 private:
-    struct Fields;  // the field table, in SignalClientFields.hpp
+    // The field table: SignalClientFields.cpp.
+    struct FieldRows;
+    struct Fields;
 
     SignalClient(const SignalClient& other);
+    bool hasEqualMembers(const SignalClient& other) const;  // all but the parameters
+    void swapFields(SignalClient& other) noexcept;
 
-    // Each member is named after its field.
+    // Each member is named after its field. A new one also has a row in SignalClientFields.cpp.
     std::string UUID;
     std::u16string SourceModel_;
     std::string SignalUUID_;

@@ -2,6 +2,7 @@
 
 #include "hmi/Collections.hpp"
 #include "hmi_foundation/HostErrors.hpp"
+#include "host/Memory.hpp"
 
 #include <boost/make_shared.hpp>
 
@@ -31,7 +32,7 @@ StreamingClients* StreamingClients::getFromNVArray(const nvArray* value)
 
 bool StreamingClients::isEqual(const StreamingClients* other) const
 {
-    if (m_clients.size() != other->m_clients.size()) {
+    if (other == nullptr || m_clients.size() != other->m_clients.size()) {
         return false;
     }
     // The host compares the parameters and may change either collection meanwhile.
@@ -55,7 +56,7 @@ SignalClientPtr StreamingClients::getShared(std::size_t index) const
 
 void StreamingClients::add(SignalClientPtr client)
 {
-    m_clients.push_back(std::move(client));
+    withHostMemoryErrors([&] { m_clients.push_back(std::move(client)); });
 }
 
 void StreamingClients::set(std::size_t index, SignalClientPtr client)
@@ -72,52 +73,59 @@ void StreamingClients::remove(std::size_t index)
 
 void StreamingClients::setModelName(const std::u16string& name)
 {
-    const std::u16string newName = name;  // may be one of our own names
-    const std::u16string oldName = std::exchange(m_modelName, newName);
-    for (std::size_t i = 0; i < m_clients.size(); ++i) {
-        const SignalClientPtr client = m_clients[i];
-        client->renameModel(oldName, newName);
-    }
-    // A first naming is no rename that the interface manager would have to hear of.
-    if (oldName.empty()) {
-        m_syncedModelName = newName;
-    }
+    withHostMemoryErrors([&] {
+        std::u16string newName = name;  // may be one of the collection's own names
+        std::u16string newSyncedName = m_modelName.empty() ? newName : m_syncedModelName;
+        const std::u16string oldName = m_modelName;
+        for (std::size_t i = 0; i < m_clients.size(); ++i) {
+            const SignalClientPtr client = m_clients[i];
+            client->renameModel(oldName, newName);
+        }
+        m_modelName = std::move(newName);
+        m_syncedModelName = std::move(newSyncedName);
+    });
 }
 
 OwnedArray StreamingClients::getPersistenceData() const
 {
-    static const char* const* const fieldNames = SignalClient::getStructFields();
-    static const std::size_t fieldCount = SignalClient::getNumStructFields();
+    return withHostMemoryErrors([&] {
+        static const char* const* const fieldNames = SignalClient::getStructFields();
+        static const std::size_t fieldCount = SignalClient::getNumStructFields();
 
-    const std::array<std::size_t, 2> row = {1, m_clients.size()};
-    OwnedArray data(nvCreateStructArray(row.size(), row.data(), fieldCount, fieldNames));
-    for (std::size_t i = 0; i < m_clients.size(); ++i) {
-        m_clients[i]->getPersistenceData(data.get(), i);
-    }
-    return data;
+        const std::array<std::size_t, 2> row = {1, m_clients.size()};
+        OwnedArray data(nvCreateStructArray(row.size(), row.data(), fieldCount, fieldNames));
+        for (std::size_t i = 0; i < m_clients.size(); ++i) {
+            m_clients[i]->getPersistenceData(data.get(), i);
+        }
+        return data;
+    });
 }
 
 void StreamingClients::setFromPersistenceData(const nvArray* data)
 {
-    const std::size_t count = nvGetNumberOfElements(data);
-    if (count > m_clients.size()) {
-        m_clients.reserve(m_clients.size() + count);
-    }
-    for (std::size_t i = 0; i < count; ++i) {
-        add(boost::make_shared<SignalClient>(data, i, std::u16string()));
-    }
+    withHostMemoryErrors([&] {
+        const std::size_t count = nvGetNumberOfElements(data);
+        if (count > m_clients.size()) {
+            m_clients.reserve(m_clients.size() + count);
+        }
+        for (std::size_t i = 0; i < count; ++i) {
+            add(boost::make_shared<SignalClient>(data, i, std::u16string()));
+        }
+    });
 }
 
 OwnedArray StreamingClients::copy() const
 {
-    auto [object, target] = collections::newHostObject<StreamingClients>(hostClass);
-    target->m_modelName = m_modelName;
-    target->m_syncedModelName = m_syncedModelName;
-    std::vector<SignalClientPtr> clones(m_clients.size());
-    std::transform(m_clients.begin(), m_clients.end(), clones.begin(),
-                   [](const SignalClientPtr& client) { return SignalClientPtr(client->clone()); });
-    target->m_clients = std::move(clones);
-    return std::move(object);
+    return withHostMemoryErrors([&] {
+        auto [object, target] = collections::newHostObject<StreamingClients>(hostClass);
+        target->m_modelName = m_modelName;
+        target->m_syncedModelName = m_syncedModelName;
+        std::vector<SignalClientPtr> clones(m_clients.size());
+        std::transform(m_clients.begin(), m_clients.end(), clones.begin(),
+                       [](const SignalClientPtr& client) { return SignalClientPtr(client->clone()); });
+        target->m_clients = std::move(clones);
+        return std::move(object);
+    });
 }
 
 }  // namespace zm_hmi

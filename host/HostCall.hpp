@@ -8,7 +8,7 @@
 #include <cstddef>
 #include <utility>
 
-/// The outputs of a host call, each in the local scope; a null output stands for an empty value.
+/// The outputs of a host call, each in the local scope. A null output means an empty value.
 template <std::size_t OutputCount>
 struct HostCallResult {
     bool succeeded = false;
@@ -22,46 +22,62 @@ inline OwnedArray asTemporary(OwnedArray argument)
     return argument;
 }
 
-/// The slots that a call fills; what was filled is freed unless it is taken.
+/// A value that outlives every call: only its owner destroys it. Null stays null.
+inline OwnedArray asPersistent(OwnedArray value)
+{
+    if (value) {
+        zmsvSetPersistentScope(value.get());
+    }
+    return value;
+}
+
+/// The output slots of one call. Values that a failed call left in them are placed in the local scope, as
+/// every value from the host, and destroyed.
 template <std::size_t Count>
 class HostCallSlots {
 public:
     HostCallSlots() = default;
     HostCallSlots(const HostCallSlots&) = delete;
     HostCallSlots& operator=(const HostCallSlots&) = delete;
-    ~HostCallSlots() { own(); }
+    ~HostCallSlots()
+    {
+        for (nvArray*& slot : m_slots) {
+            try {
+                takeOne(slot);
+            } catch (...) {  // NOLINT(bugprone-empty-catch): another error is on its way already
+            }
+        }
+    }
 
     nvArray** data() noexcept { return m_slots.data(); }
 
     /// The outputs, each placed in the local scope.
     std::array<OwnedArray, Count> take()
     {
-        std::array<OwnedArray, Count> outputs = own();
-        for (const OwnedArray& output : outputs) {
-            if (output) {
-                zmsvSetLocalScope(output.get());
-            }
+        std::array<OwnedArray, Count> outputs;
+        for (std::size_t i = 0; i < Count; ++i) {
+            outputs[i] = takeOne(m_slots[i]);
         }
         return outputs;
     }
 
 private:
-    std::array<OwnedArray, Count> own() noexcept
+    static OwnedArray takeOne(nvArray*& slot)
     {
-        std::array<OwnedArray, Count> outputs;
-        for (std::size_t i = 0; i < Count; ++i) {
-            outputs[i].reset(std::exchange(m_slots[i], nullptr));
+        OwnedArray output(std::exchange(slot, nullptr));
+        if (output) {
+            zmsvSetLocalScope(output.get());
         }
-        return outputs;
+        return output;
     }
 
     std::array<nvArray*, Count> m_slots{};
 };
 
-/// Calls a host function that may fail without disturbing us: a failure is shown to the user as one
-/// warning, and the caller goes on with its own fallback. Inputs are borrowed; the caller scopes those
-/// that it made for the call (`asTemporary`). Throws only what the boundary itself throws. An output may be
-/// of another class than expected: reading it then throws, as reading any value does.
+/// Calls a host function whose failure does not stop the caller: it is shown to the user as one warning, and
+/// the result says that the call failed. Inputs are borrowed; the caller scopes those that it made for the
+/// call (`asTemporary`). Throws only what the operations of the boundary throw. An output may be of another
+/// class than expected; reading it then throws a host error.
 template <std::size_t OutputCount, class... Inputs>
 HostCallResult<OutputCount> callHostNoThrow(const char* functionName, const Inputs*... inputs)
 {
@@ -77,7 +93,7 @@ HostCallResult<OutputCount> callHostNoThrow(const char* functionName, const Inpu
     return {true, slots.take()};
 }
 
-/// Calls a host function whose failure is ours too: the host's exception passes through.
+/// Calls a host function whose failure is the caller's too: the host's exception passes through.
 template <std::size_t OutputCount, class... Inputs>
 std::array<OwnedArray, OutputCount> callHost(const char* functionName, const Inputs*... inputs)
 {

@@ -1,19 +1,34 @@
 #include "streamout/FileRecordingContext.hpp"
 
+#include "host/Memory.hpp"
 #include "host/Text.hpp"
 
+#include <utility>
+
 namespace streamout {
+
+namespace {
+
+template <class Element>
+void makeRoom(std::vector<Element>& list, std::size_t count)
+{
+    list.reserve(list.size() + count);
+}
+
+}  // namespace
 
 FileRecordingContext::FileRecordingContext(const std::u16string& filePath, const std::u16string& modelName,
                                            const std::string& loggingDomain, const std::u16string& blockPath,
                                            const FilePropertiesMap& properties)
-    // An empty path names no file and has no native form.
-    : m_fullFilePath(filePath.empty() ? filePath : makeNativeForm(filePath, true)),
-      m_modelName(modelName),
-      m_loggingDomain(loggingDomain),
-      m_blockPath(blockPath),
-      m_fileProperties(properties)
 {
+    withHostMemoryErrors([&] {
+        // An empty path names no file and has no native form.
+        m_fullFilePath = filePath.empty() ? filePath : makeNativeForm(filePath, true);
+        m_modelName = modelName;
+        m_loggingDomain = loggingDomain;
+        m_blockPath = blockPath;
+        m_fileProperties = properties;
+    });
 }
 
 FileRecordingContext::~FileRecordingContext() = default;
@@ -35,7 +50,7 @@ std::u16string FileRecordingContext::getModelName() const
 
 std::u16string FileRecordingContext::getFileName() const
 {
-    return extractFileName(m_fullFilePath);
+    return withHostMemoryErrors([&] { return extractFileName(m_fullFilePath); });
 }
 
 std::u16string FileRecordingContext::getFullFilePath() const
@@ -79,14 +94,27 @@ void FileRecordingContext::getProperties(std::vector<std::string>& doubleNames,
                                          std::vector<std::u16string>& stringValues) const
 {
     const FilePropertiesMap properties = getFilePropertiesMap();
+    std::vector<std::pair<std::string, double>> numbers;
+    std::vector<std::pair<std::string, std::u16string>> texts;
     for (const auto& [name, value] : properties) {
         if (const double* number = boost::get<double>(&value)) {
-            doubleNames.push_back(name);
-            doubleValues.push_back(*number);
+            numbers.emplace_back(name, *number);
         } else {
-            stringNames.push_back(name);
-            stringValues.push_back(boost::get<std::u16string>(value));
+            texts.emplace_back(name, boost::get<std::u16string>(value));
         }
+    }
+    makeRoom(doubleNames, numbers.size());
+    makeRoom(doubleValues, numbers.size());
+    makeRoom(stringNames, texts.size());
+    makeRoom(stringValues, texts.size());
+    // Nothing below can fail, so that names and values stay in step.
+    for (auto& [name, value] : numbers) {
+        doubleNames.push_back(std::move(name));
+        doubleValues.push_back(value);
+    }
+    for (auto& [name, value] : texts) {
+        stringNames.push_back(std::move(name));
+        stringValues.push_back(std::move(value));
     }
 }
 

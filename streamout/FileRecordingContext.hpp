@@ -17,8 +17,7 @@ namespace streamout {
 using FileProperty = boost::variant<double, std::u16string>;
 using FilePropertiesMap = std::unordered_map<std::string, FileProperty>;
 
-/// How much of a signal goes into a recording: the numbers that the decimation and maximum-points
-/// texts stand for.
+/// How much of a signal is recorded: the numbers that the decimation and maximum-points texts express.
 struct RecordingLimits {
     /// Every n-th sample is recorded, from the first; 1 records all.
     std::uint64_t decimation = 1;
@@ -76,7 +75,8 @@ public:
     virtual std::string getMaxPoints() const;
 
     /// Appends the properties that `getFilePropertiesMap` gives to the lists, numbers and texts apart,
-    /// in the map's own order. The i-th name of what is appended belongs to the i-th value.
+    /// in the map's own order. The i-th appended name belongs to the i-th appended value. After a failure the
+    /// lists are as they were.
     void getProperties(std::vector<std::string>& doubleNames, std::vector<double>& doubleValues,
                        std::vector<std::string>& stringNames,
                        std::vector<std::u16string>& stringValues) const;

@@ -398,5 +398,71 @@ TEST_F(Badges, AskingFreesAllWhenAnOperationFails)
     }
 }
 
+// ---- host errors outside of the call ------------------------------------------------------------------
+
+/// Runs a query with a host error in each call in turn: it must return, with one warning and what `check`
+/// finds.
+void expectOneWarningForEachHostError(const std::function<void()>& query, const std::function<void()>& check)
+{
+    for (std::uint64_t nth = 1;; ++nth) {
+        rh::Faults::arm(rh::Faults::anyOperation, rh::FaultKind::HostException, nth);
+        EXPECT_NO_THROW(query()) << "call " << nth;
+        if (!rh::Faults::disarm()) {
+            EXPECT_TRUE(rh::Warnings::reported().empty());
+            EXPECT_GT(nth, 2U);
+            return;
+        }
+        EXPECT_EQ(rh::Warnings::take().size(), 1U) << "call " << nth;
+        check();
+    }
+}
+
+TEST_F(EditorQueries, AHostErrorAnywhereEmptiesTheListAndIsOneWarning)
+{
+    const rh::ScopedHostFunction function("getObservedPorts", answer(twoPorts()));
+    expectOneWarningForEachHostError(
+        [&] {
+            sources.resize(3);
+            InstrumentedSignals::getObservedPorts(model.get(), "first", "second", sources, true, false);
+        },
+        [&] { EXPECT_TRUE(sources.empty()); });
+    EXPECT_EQ(sources.size(), 2U);
+}
+
+TEST_F(EditorQueries, ATextMayBeThatOfAFormerSource)
+{
+    std::string asked;
+    const rh::ScopedHostFunction function("getObservedPorts", [&](rh::HostFunctionCall& call) {
+        asked = rh::utf8Text(call.input(1));
+        answer(twoPorts())(call);
+    });
+    sources[0].name = "a name that does not fit in place";
+    InstrumentedSignals::getObservedPorts(model.get(), sources[0].name.c_str(), "", sources, true, false);
+    EXPECT_EQ(asked, "a name that does not fit in place");
+}
+
+TEST_F(EditorQueries, ResultsOfAFailedCallAreScopedBeforeTheyAreDestroyed)
+{
+    rh::Journal::startRecording();
+    const rh::ScopedHostFunction function("getObservedPorts", [](rh::HostFunctionCall& call) {
+        call.setOutput(0, makeNumbers({1}));
+        fail(call);
+    });
+    InstrumentedSignals::getObservedPorts(model.get(), "", "", sources, true, false);
+    rh::Journal::stopRecording();
+    EXPECT_EQ(rh::Journal::count("zmsvSetLocalScope"), 5U);  // four arguments and the result
+    EXPECT_EQ(rh::Journal::count("nvDestroyArray"), 5U);
+}
+
+TEST_F(Badges, AHostErrorAnywhereLeavesTheSetAndIsOneWarning)
+{
+    const rh::ScopedHostFunction function(
+        "getPortsWithBadges", [](rh::HostFunctionCall& call) { call.setOutput(0, makeNumbers({9})); });
+    std::set<double> badges{7.0};
+    expectOneWarningForEachHostError([&] { InstrumentedSignals::getPortsWithBadges(model.get(), badges); },
+                                     [&] { EXPECT_EQ(badges, std::set<double>{7.0}); });
+    EXPECT_EQ(badges, (std::set<double>{7.0, 9.0}));
+}
+
 }  // namespace
 }  // namespace zm_hmi

@@ -351,5 +351,29 @@ TEST_F(ObserverAlignmentTest, AValueOfAnotherClassHasNoClientsBehindIt)
     EXPECT_EQ(rh::scalar(rh::ObjectAccess::getProperty(signals.get(), "Count").get()), 0.0);
 }
 
+TEST_F(ObserverAlignmentTest, OfAnArrayOfCollectionsTheFirstCounts)
+{
+    const rh::OwnedValue other = rh::ClassObjects::construct("Zelmar.HMI.StreamingClients");
+    const rh::OwnedValue both = rh::ClassObjects::makeObjectArray(
+        "Zelmar.HMI.StreamingClients",
+        {rh::objects(m_object.get()).front(), rh::objects(other.get()).front()});
+    clients().setModelName(u"m");
+    clients().setModelName(u"n");
+    const rh::ScopedHostFunction aligned("getAlignedObservers", give({{.modelPath = {u"n/Pult"}}}));
+    StreamingClients::getAlignedObservers(both.get(), m_observers);
+    ASSERT_EQ(m_observers.size(), 1U);
+    EXPECT_EQ(m_observers[0]->getModelPath().front(), u"Pult");
+
+    const CountedHostFunction manager("Zelmar.HMI.InterfaceMgr.getInterfaceMgr", giveNothing);
+    const CountedHostFunction renaming("renameModel", giveNothing);
+    StreamingClients::handleModelRename(both.get());
+    EXPECT_EQ(renaming.calls(), 1U);
+
+    const CountedHostFunction validation("validateAndRemoveUnused", giveNothing);
+    StreamingClients::validateAndRemoveUnused(both.get());
+    EXPECT_EQ(validation.calls(), 1U);
+    EXPECT_EQ(clients().getSyncedModelName(), u"n");
+}
+
 }  // namespace
 }  // namespace zm_hmi

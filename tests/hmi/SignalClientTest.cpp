@@ -216,6 +216,11 @@ TEST_F(SignalClientTest, MissingParametersEqualEmptyOnes)
     EXPECT_TRUE(client.isEqual(makeClient({}).get()));
 }
 
+TEST_F(SignalClientTest, NoRecordEqualsNull)
+{
+    EXPECT_FALSE(makeClient({})->isEqual(nullptr));
+}
+
 TEST_F(SignalClientTest, AFailingComparisonPassesThrough)
 {
     const rh::ScopedHostFunction failing("isequal", fail);

@@ -422,5 +422,43 @@ TEST_F(StreamingClientsTest, CopyingFreesAllWhenAnOperationFails)
     }
 }
 
+TEST_F(StreamingClientsTest, NoCollectionEqualsNull)
+{
+    EXPECT_FALSE(StreamingClients().isEqual(nullptr));
+}
+
+// ---- a rename that fails halfway ----------------------------------------------------------------
+
+TEST_F(StreamingClientsTest, ARetryCompletesARenameThatFailed)
+{
+    StreamingClients clients;
+    clients.setModelName(u"a");
+    for (int i = 0; i < 2; ++i) {
+        clients.add(makeClient({.sourceModel = u"a", .paramsModelName = u"a"}));
+    }
+    rh::Faults::arm("nvReplaceField", rh::FaultKind::HostException, 2);
+    EXPECT_THROW(clients.setModelName(u"b"), zmsvException);
+    EXPECT_TRUE(rh::Faults::disarm());
+    EXPECT_EQ(clients.getModelName(), u"a");
+    EXPECT_EQ(clients.get(0)->getSourceModel(), u"b");
+    EXPECT_EQ(clients.get(1)->getSourceModel(), u"a");
+    clients.setModelName(u"b");
+    EXPECT_EQ(clients.getModelName(), u"b");
+    EXPECT_EQ(clients.getSyncedModelName(), u"a");
+    EXPECT_EQ(valuesOf(*clients.get(1)), valuesOf(*clients.get(0)));
+}
+
+TEST_F(StreamingClientsTest, AFirstNamingThatFailedAndIsRetriedIsNoRename)
+{
+    StreamingClients clients;
+    clients.add(makeClient({.paramsModelName = u""}));
+    rh::Faults::arm("nvReplaceField", rh::FaultKind::OutOfMemory, 1);
+    EXPECT_THROW(clients.setModelName(u"a"), zmsvOutOfMemoryException);
+    EXPECT_TRUE(rh::Faults::disarm());
+    EXPECT_EQ(clients.getModelName(), u"");
+    clients.setModelName(u"a");
+    EXPECT_EQ(clients.getSyncedModelName(), u"a");
+}
+
 }  // namespace
 }  // namespace zm_hmi

@@ -15,9 +15,20 @@ import subprocess
 import sys
 
 MAIN = """
+#include <boost/make_shared.hpp>
+
 int main()
 {
     NVInitialize_zm_hmi_foundation();
+    zm_hmi::StreamingClients clients;
+    clients.add(boost::make_shared<zm_hmi::SignalClient>());
+    clients.setModelName(u"m");
+    std::vector<std::u16string> path;
+    std::u16string subPath;
+    clients.get(0)->getAlignedBlockPath(u"m", path, subPath);
+    if (clients.get(0)->getDecimation(u"m") != 1 || clients.get(0)->isEqual(nullptr) || !path.empty()) {
+        return 1;
+    }
     return zm_hmi_foundation::AddModelToPath(u"A", u"m") == u"m/A" ? 0 : 1;
 }
 """

@@ -28,7 +28,7 @@ namespace rh = reference_host;
 
 using Names = std::vector<std::string>;
 
-class SignalClientHostForm : public ClientsTest {};
+class SignalClientFields : public ClientsTest {};
 
 const Names expectedFields = {
     "UUID",          "ModelPath_",      "ModelPathZID_", "SourceModel_",      "SignalUUID_",
@@ -84,13 +84,13 @@ rh::OwnedValue persistedWith(const char* name, rh::OwnedValue value)
 
 // ---- the struct form ----------------------------------------------------------------------------
 
-TEST_F(SignalClientHostForm, HasElevenFieldsInOrder)
+TEST_F(SignalClientFields, HasElevenFieldsInOrder)
 {
     ASSERT_EQ(SignalClient::getNumStructFields(), 11U);
     EXPECT_EQ(Names(SignalClient::getStructFields(), SignalClient::getStructFields() + 11), expectedFields);
 }
 
-TEST_F(SignalClientHostForm, WritesEachFieldInItsHostType)
+TEST_F(SignalClientFields, WritesEachFieldInItsHostType)
 {
     const rh::OwnedValue data = structOf(distinctClient(), u"plant");
     EXPECT_EQ(described(data, "UUID"), "\"5b6f0c1e-0a51-4a55-8a13-6d2a3c1d9e01\"");
@@ -106,39 +106,39 @@ TEST_F(SignalClientHostForm, WritesEachFieldInItsHostType)
     EXPECT_EQ(described(data, "BusLeafPath_"), "\"bus.speed\"");
 }
 
-TEST_F(SignalClientHostForm, AddsTheModelNameToTheFirstPartsOnly)
+TEST_F(SignalClientFields, AddsTheModelNameToTheFirstPartsOnly)
 {
     const rh::OwnedValue data = structOf(distinctClient(), u"plant");
     EXPECT_EQ(cellTexts(data, "ModelPath_"), (Names{"plant/Pult/\u00dcbersicht", "inner/Anzeige"}));
     EXPECT_EQ(cellTexts(data, "ModelPathZID_"), (Names{"plant:31", "inner:7"}));
 }
 
-TEST_F(SignalClientHostForm, WritesPathsWithoutPartsAsOneByZeroCells)
+TEST_F(SignalClientFields, WritesPathsWithoutPartsAsOneByZeroCells)
 {
     const rh::OwnedValue data = structOf({}, u"plant");
     EXPECT_EQ(described(data, "ModelPath_"), "1x0 cell");
     EXPECT_EQ(described(data, "ModelPathZID_"), "1x0 cell");
 }
 
-TEST_F(SignalClientHostForm, WritesTheModelThatIsAskedForWhereTheObserverHasNoPath)
+TEST_F(SignalClientFields, WritesTheModelThatIsAskedForWhereTheObserverHasNoPath)
 {
     EXPECT_EQ(described(structOf({.sourceModel = u"own"}, u"m"), "SourceModel_"), "\"m\"");
 }
 
-TEST_F(SignalClientHostForm, WritesTheObserversOwnModelWhereItHasAPath)
+TEST_F(SignalClientFields, WritesTheObserversOwnModelWhereItHasAPath)
 {
     EXPECT_EQ(described(structOf({.modelPath = {u"Pult"}, .sourceModel = u"own"}, u"m"), "SourceModel_"),
               "\"own\"");
 }
 
-TEST_F(SignalClientHostForm, SavesAnEmptySourceModelWhereTheObserverHasNoPath)
+TEST_F(SignalClientFields, SavesAnEmptySourceModelWhereTheObserverHasNoPath)
 {
     const rh::OwnedValue data = makeStructFor(1);
     makeClient({.sourceModel = u"own"})->getPersistenceData(data.get(), 0);
     EXPECT_EQ(described(data, "SourceModel_"), "\"\"");
 }
 
-TEST_F(SignalClientHostForm, SavesPathsWithoutAModelName)
+TEST_F(SignalClientFields, SavesPathsWithoutAModelName)
 {
     const rh::OwnedValue data = makeStructFor(1);
     makeClient(distinctClient())->getPersistenceData(data.get(), 0);
@@ -146,12 +146,12 @@ TEST_F(SignalClientHostForm, SavesPathsWithoutAModelName)
     EXPECT_EQ(cellTexts(data, "ModelPathZID_"), (Names{"31", "inner:7"}));
 }
 
-TEST_F(SignalClientHostForm, LeavesTheParametersUnsetWhereThereAreNone)
+TEST_F(SignalClientFields, LeavesTheParametersUnsetWhereThereAreNone)
 {
     EXPECT_EQ(rh::field(structOf({}, u"m").get(), 0, "ObserverParams_"), nullptr);
 }
 
-TEST_F(SignalClientHostForm, WritesACopyOfTheParameters)
+TEST_F(SignalClientFields, WritesACopyOfTheParameters)
 {
     const SignalClientPtr client = makeClient(distinctClient());
     const rh::OwnedValue data = makeStructFor(1);
@@ -160,7 +160,7 @@ TEST_F(SignalClientHostForm, WritesACopyOfTheParameters)
     EXPECT_EQ(rh::utf8Text(rh::field(rh::field(data.get(), 0, "ObserverParams_"), 0, "ModelName")), "plant");
 }
 
-TEST_F(SignalClientHostForm, WritesNumbersTruncatedTo32Bits)
+TEST_F(SignalClientFields, WritesNumbersTruncatedTo32Bits)
 {
     const rh::OwnedValue data = structOf(
         {.updateRate = (1ULL << 32U) + 7, .dimensionChannel = std::numeric_limits<std::uint64_t>::max()},
@@ -169,7 +169,7 @@ TEST_F(SignalClientHostForm, WritesNumbersTruncatedTo32Bits)
     EXPECT_EQ(described(data, "DimensionChannel_"), "uint32 4294967295");
 }
 
-TEST_F(SignalClientHostForm, FillsTheElementThatIsNamed)
+TEST_F(SignalClientFields, FillsTheElementThatIsNamed)
 {
     const rh::OwnedValue data = makeStructFor(2);
     makeClient(clientNamed("second"))->getPersistenceData(data.get(), 1);
@@ -177,7 +177,7 @@ TEST_F(SignalClientHostForm, FillsTheElementThatIsNamed)
     EXPECT_EQ(rh::utf8Text(rh::field(data.get(), 1, "UUID")), "second");
 }
 
-TEST_F(SignalClientHostForm, WritingFreesAllWhenAnOperationFails)
+TEST_F(SignalClientFields, WritingFreesAllWhenAnOperationFails)
 {
     const SignalClientPtr client = makeClient(distinctClient());
     for (const rh::FaultKind kind : {rh::FaultKind::OutOfMemory, rh::FaultKind::HostException}) {
@@ -191,44 +191,44 @@ TEST_F(SignalClientHostForm, WritingFreesAllWhenAnOperationFails)
 
 // ---- from the struct form -----------------------------------------------------------------------
 
-TEST_F(SignalClientHostForm, LoadsEveryMember)
+TEST_F(SignalClientFields, LoadsEveryMember)
 {
     EXPECT_EQ(load(makePersistedClients({distinctClient()})), distinctClient());
 }
 
-TEST_F(SignalClientHostForm, LoadsTheElementThatIsNamed)
+TEST_F(SignalClientFields, LoadsTheElementThatIsNamed)
 {
     EXPECT_EQ(load(makePersistedClients({{}, distinctClient()}), 1), distinctClient());
 }
 
-TEST_F(SignalClientHostForm, LoadsPathsAsTheyAreStored)
+TEST_F(SignalClientFields, LoadsPathsAsTheyAreStored)
 {
     const ClientValues stored = {.modelPath = {u"plant/Pult"}, .modelPathZID = {"plant:3"}};
     EXPECT_EQ(load(makePersistedClients({stored})), stored);
 }
 
-TEST_F(SignalClientHostForm, LoadsAClientOfTheOlderObjectClassAsAStruct)
+TEST_F(SignalClientFields, LoadsAClientOfTheOlderObjectClassAsAStruct)
 {
     rh::OwnedValue data = rh::makeStructObject("OldClient", rh::Dimensions(1, 1), {"UUID"});
     rh::setField(data.get(), 0, "UUID", rh::makeText("old"));
     EXPECT_EQ(load(data).uuid, "old");
 }
 
-TEST_F(SignalClientHostForm, MissingRateAndChannelLoadAsZeroAndNotAsTheDefault)
+TEST_F(SignalClientFields, MissingRateAndChannelLoadAsZeroAndNotAsTheDefault)
 {
     const ClientValues loaded = load(makePersistedWithout({"UpdateRate_", "DimensionChannel_"}));
     EXPECT_EQ(loaded.updateRate, 0U);
     EXPECT_EQ(loaded.dimensionChannel, 0U);
 }
 
-TEST_F(SignalClientHostForm, AMissingFlagLoadsAsFalseAndAMissingLeafAsEmpty)
+TEST_F(SignalClientFields, AMissingFlagLoadsAsFalseAndAMissingLeafAsEmpty)
 {
     const ClientValues loaded = load(makePersistedWithout({"ObserveImaginaryPart_", "BusLeafPath_"}));
     EXPECT_FALSE(loaded.observeImaginaryPart);
     EXPECT_EQ(loaded.busLeafPath, "");
 }
 
-TEST_F(SignalClientHostForm, OtherMissingFieldsLoadAsEmptyTexts)
+TEST_F(SignalClientFields, OtherMissingFieldsLoadAsEmptyTexts)
 {
     const ClientValues loaded =
         load(makePersistedWithout({"UUID", "ModelPath_", "ModelPathZID_", "SourceModel_", "SignalUUID_",
@@ -241,7 +241,7 @@ TEST_F(SignalClientHostForm, OtherMissingFieldsLoadAsEmptyTexts)
     EXPECT_EQ(loaded, expected);
 }
 
-TEST_F(SignalClientHostForm, MissingFieldsReplaceWhatARecordHeld)
+TEST_F(SignalClientFields, MissingFieldsReplaceWhatARecordHeld)
 {
     const SignalClientPtr client = makeClient(distinctClient());
     client->setFromPersistentData(rh::makeStruct(rh::Dimensions(1, 1), {}).get(), 0);
@@ -251,13 +251,13 @@ TEST_F(SignalClientHostForm, MissingFieldsReplaceWhatARecordHeld)
     EXPECT_EQ(valuesOf(*client), expected);
 }
 
-TEST_F(SignalClientHostForm, UnsetCellsLoadAsEmptyTexts)
+TEST_F(SignalClientFields, UnsetCellsLoadAsEmptyTexts)
 {
     const rh::OwnedValue data = persistedWith("ModelPath_", rh::makeCells(rh::Dimensions(1, 2)));
     EXPECT_EQ(load(data).modelPath, (std::vector<std::u16string>{u"", u""}));
 }
 
-TEST_F(SignalClientHostForm, ANumericFlagIsTrueUnlessItIsZero)
+TEST_F(SignalClientFields, ANumericFlagIsTrueUnlessItIsZero)
 {
     const auto loadFlag = [](rh::OwnedValue value) {
         return load(persistedWith("ObserveImaginaryPart_", std::move(value))).observeImaginaryPart;
@@ -269,7 +269,7 @@ TEST_F(SignalClientHostForm, ANumericFlagIsTrueUnlessItIsZero)
     EXPECT_FALSE(loadFlag(rh::makeDouble(-0.0)));
 }
 
-TEST_F(SignalClientHostForm, ALogicalFlagIsItsFirstElement)
+TEST_F(SignalClientFields, ALogicalFlagIsItsFirstElement)
 {
     const auto loadFlag = [](rh::OwnedValue value) {
         return load(persistedWith("ObserveImaginaryPart_", std::move(value))).observeImaginaryPart;
@@ -281,7 +281,7 @@ TEST_F(SignalClientHostForm, ALogicalFlagIsItsFirstElement)
     EXPECT_FALSE(loadFlag(rh::makeLogicals(rh::Dimensions(0, 0))));
 }
 
-TEST_F(SignalClientHostForm, NumbersAreReadAsSigned32BitsAndWidened)
+TEST_F(SignalClientFields, NumbersAreReadAsSigned32BitsAndWidened)
 {
     const auto loadRate = [](double value) {
         return load(persistedWith("UpdateRate_", rh::makeDouble(value))).updateRate;
@@ -291,7 +291,7 @@ TEST_F(SignalClientHostForm, NumbersAreReadAsSigned32BitsAndWidened)
     EXPECT_EQ(loadRate(4294967295.0), std::numeric_limits<std::uint64_t>::max());
 }
 
-TEST_F(SignalClientHostForm, ANegativeNumberComesBackFromASave)
+TEST_F(SignalClientFields, ANegativeNumberComesBackFromASave)
 {
     const SignalClient loaded(persistedWith("DimensionChannel_", rh::makeDouble(-3.0)).get(), 0, u"");
     const rh::OwnedValue data = makeStructFor(1);
@@ -299,7 +299,7 @@ TEST_F(SignalClientHostForm, ANegativeNumberComesBackFromASave)
     EXPECT_EQ(load(data).dimensionChannel, loaded.getDimensionChannel());
 }
 
-TEST_F(SignalClientHostForm, LoadedParametersAreADeepCopyInThePersistentScope)
+TEST_F(SignalClientFields, LoadedParametersAreADeepCopyInThePersistentScope)
 {
     rh::OwnedValue data = makePersistedClients({distinctClient()});
     const SignalClient client(data.get(), 0, u"");
@@ -308,12 +308,12 @@ TEST_F(SignalClientHostForm, LoadedParametersAreADeepCopyInThePersistentScope)
     EXPECT_EQ(client.getObserverParams()->scope, rh::Scope::Persistent);
 }
 
-TEST_F(SignalClientHostForm, ATextOfAnotherClassIsAHostError)
+TEST_F(SignalClientFields, ATextOfAnotherClassIsAHostError)
 {
     EXPECT_EQ(hostError([] { load(persistedWith("UUID", rh::makeDouble(1.0))); }), "WrongClass");
 }
 
-TEST_F(SignalClientHostForm, LoadingFreesAllWhenAnOperationFails)
+TEST_F(SignalClientFields, LoadingFreesAllWhenAnOperationFails)
 {
     const rh::OwnedValue data = makePersistedClients({distinctClient()});
     for (const rh::FaultKind kind : {rh::FaultKind::OutOfMemory, rh::FaultKind::HostException}) {
@@ -328,12 +328,12 @@ ClientValues read(const ClientValues& values, const std::u16string& modelName)
     return valuesOf(SignalClient(makeClientObject(values).get(), 0, modelName));
 }
 
-TEST_F(SignalClientHostForm, ReadsEveryMemberOfAnObject)
+TEST_F(SignalClientFields, ReadsEveryMemberOfAnObject)
 {
     EXPECT_EQ(read(distinctClient(), u"another"), distinctClient());
 }
 
-TEST_F(SignalClientHostForm, TakesTheModelNameOffTheFirstPartsOfAnObject)
+TEST_F(SignalClientFields, TakesTheModelNameOffTheFirstPartsOfAnObject)
 {
     const ClientValues values =
         read({.modelPath = {u"m/Dashboard", u"m/Inner"}, .modelPathZID = {"m:3", "m:4"}}, u"m");
@@ -341,13 +341,13 @@ TEST_F(SignalClientHostForm, TakesTheModelNameOffTheFirstPartsOfAnObject)
     EXPECT_EQ(values.modelPathZID, (std::vector<std::string>{"3", "m:4"}));
 }
 
-TEST_F(SignalClientHostForm, ReadsTheDefaultsOfANewObject)
+TEST_F(SignalClientFields, ReadsTheDefaultsOfANewObject)
 {
     const rh::OwnedValue object = rh::ObjectAccess::construct("Zelmar.HMI.SignalClient");
     EXPECT_EQ(valuesOf(SignalClient(object.get(), 0, u"m")), ClientValues());
 }
 
-TEST_F(SignalClientHostForm, ReadsEachPropertyOnceInOrderAndFreesIt)
+TEST_F(SignalClientFields, ReadsEachPropertyOnceInOrderAndFreesIt)
 {
     const rh::OwnedValue object = makeClientObject(distinctClient());
     SignalClient client;
@@ -371,7 +371,7 @@ TEST_F(SignalClientHostForm, ReadsEachPropertyOnceInOrderAndFreesIt)
     EXPECT_EQ(journaledArguments("nvDestroyArray", 0).size(), 10U);  // all but the parameters
 }
 
-TEST_F(SignalClientHostForm, ParametersOfAnObjectBecomeTheRecordsOwn)
+TEST_F(SignalClientFields, ParametersOfAnObjectBecomeTheRecordsOwn)
 {
     rh::OwnedValue object = makeClientObject(distinctClient());
     const SignalClient client(object.get(), 0, u"");
@@ -380,19 +380,19 @@ TEST_F(SignalClientHostForm, ParametersOfAnObjectBecomeTheRecordsOwn)
     EXPECT_EQ(client.getObserverParams()->scope, rh::Scope::Persistent);
 }
 
-TEST_F(SignalClientHostForm, AnObjectThatLacksThePropertiesIsAHostError)
+TEST_F(SignalClientFields, AnObjectThatLacksThePropertiesIsAHostError)
 {
     const rh::OwnedValue object = rh::ObjectAccess::construct("Zelmar.HMI.InterfaceMgr");
     EXPECT_EQ(hostError([&] { SignalClient(object.get(), 0, u""); }), "UnknownProperty");
 }
 
-TEST_F(SignalClientHostForm, AValueThatIsNoObjectIsAHostError)
+TEST_F(SignalClientFields, AValueThatIsNoObjectIsAHostError)
 {
     EXPECT_EQ(hostError([] { SignalClient(rh::makeDouble(1.0).get(), 0, u""); }), "NoObject");
     EXPECT_EQ(hostError([] { SignalClient(nullptr, 0, u""); }), "NullArgument");
 }
 
-TEST_F(SignalClientHostForm, ReadingAnObjectFreesAllWhenAnOperationFails)
+TEST_F(SignalClientFields, ReadingAnObjectFreesAllWhenAnOperationFails)
 {
     const rh::OwnedValue object = makeClientObject(distinctClient());
     for (const rh::FaultKind kind : {rh::FaultKind::OutOfMemory, rh::FaultKind::HostException}) {
@@ -479,7 +479,7 @@ TEST_F(SignalClientFromOddObject, APropertyThatGivesNothingIsAHostErrorUnlikeAMi
 
 // ---- to an object of the host class -------------------------------------------------------------
 
-TEST_F(SignalClientHostForm, AnObjectReadsBackAsTheRecord)
+TEST_F(SignalClientFields, AnObjectReadsBackAsTheRecord)
 {
     const OwnedArray object = makeClient(distinctClient())->getNVCOSObject(u"plant");
     EXPECT_TRUE(rh::isOfClass(object.get(), "Zelmar.HMI.SignalClient"));
@@ -487,13 +487,13 @@ TEST_F(SignalClientHostForm, AnObjectReadsBackAsTheRecord)
     expectNoWarning();
 }
 
-TEST_F(SignalClientHostForm, AnObjectOfAnObserverWithoutAPathIsOfTheModelThatIsAskedFor)
+TEST_F(SignalClientFields, AnObjectOfAnObserverWithoutAPathIsOfTheModelThatIsAskedFor)
 {
     const OwnedArray object = makeClient({})->getNVCOSObject(u"m");
     EXPECT_EQ(rh::describe(rh::ObjectAccess::getProperty(object.get(), "SourceModel_").get()), "\"m\"");
 }
 
-TEST_F(SignalClientHostForm, TheHostGetsOneTemporaryStructOfAllFields)
+TEST_F(SignalClientFields, TheHostGetsOneTemporaryStructOfAllFields)
 {
     std::vector<rh::Scope> scopes;
     const rh::ScopedHostFunction constructor("Zelmar.HMI.SignalClient", [&](rh::HostFunctionCall& call) {
@@ -508,14 +508,14 @@ TEST_F(SignalClientHostForm, TheHostGetsOneTemporaryStructOfAllFields)
     expectNoWarning();
 }
 
-TEST_F(SignalClientHostForm, ARefusedObjectIsNullAfterOneWarning)
+TEST_F(SignalClientFields, ARefusedObjectIsNullAfterOneWarning)
 {
     const rh::ScopedHostFunction refused("Zelmar.HMI.SignalClient", fail);
     EXPECT_EQ(makeClient(distinctClient())->getNVCOSObject(u"plant"), nullptr);
     expectOneWarning("Refused");
 }
 
-TEST_F(SignalClientHostForm, WhateverTheHostMakesIsHandedOn)
+TEST_F(SignalClientFields, WhateverTheHostMakesIsHandedOn)
 {
     const rh::ScopedHostFunction odd("Zelmar.HMI.SignalClient",
                                      [](auto& call) { call.setOutput(0, rh::makeDouble(3.0)); });
@@ -523,7 +523,7 @@ TEST_F(SignalClientHostForm, WhateverTheHostMakesIsHandedOn)
     expectNoWarning();
 }
 
-TEST_F(SignalClientHostForm, MakingAnObjectFreesAllWhenAnOperationFails)
+TEST_F(SignalClientFields, MakingAnObjectFreesAllWhenAnOperationFails)
 {
     const SignalClientPtr client = makeClient(distinctClient());
     for (const rh::FaultKind kind : {rh::FaultKind::OutOfMemory, rh::FaultKind::HostException}) {
@@ -535,7 +535,7 @@ TEST_F(SignalClientHostForm, MakingAnObjectFreesAllWhenAnOperationFails)
     rh::Warnings::clear();
 }
 
-TEST_F(SignalClientHostForm, ADiagnosticOfTheCallItselfIsShownAndNotThrown)
+TEST_F(SignalClientFields, ADiagnosticOfTheCallItselfIsShownAndNotThrown)
 {
     const SignalClientPtr client = makeClient(distinctClient());
     rh::Faults::arm("zmsvFEVAL_NoThrow", rh::FaultKind::Diagnostic, 1);
@@ -575,7 +575,7 @@ ClientValues anyClient()
     return values;
 }
 
-RC_GTEST_FIXTURE_PROP(SignalClientHostForm, SavingAndLoadingLosesNothing, ())
+RC_GTEST_FIXTURE_PROP(SignalClientFields, SavingAndLoadingLosesNothing, ())
 {
     const ClientValues values = anyClient();
     const rh::OwnedValue data = makeStructFor(1);
