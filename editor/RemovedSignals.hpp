@@ -16,6 +16,8 @@ public:
     /// Keeps copies of the elements at ascending 0-based indices, before they go.
     RemovedSignals(const nvArray* signals, std::vector<std::size_t> indices);
 
+    bool isEmpty() const noexcept { return m_indices.empty(); }
+
     /// Puts them back. Where the collection has not changed since they went, it is as it was then;
     /// otherwise each stands at its old index or as near to it as there are elements.
     void putBack(const nvArray* signals) const;

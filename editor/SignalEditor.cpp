@@ -1,5 +1,6 @@
 #include "editor/SignalEditor.hpp"
 
+#include "editor/ObserversParameter.hpp"
 #include "editor/SignalsObject.hpp"
 #include "hmi/HMIEngineUtils.hpp"
 #include "host/Exceptions.hpp"
@@ -151,6 +152,31 @@ RemovedSignals renumberSignals(const nvArray* signals, const DiagramChange& chan
     return removed;
 }
 
+/// Removes the signals of a block that is gone, with its contents.
+RemovedSignals removeSignalsOf(const Block& gone, const nvArray* signals)
+{
+    const std::vector<const Block*> blocks = withContents(gone);
+    std::vector<IsOn> isOnOne;
+    isOnOne.reserve(blocks.size());
+    for (const Block* block : blocks) {
+        isOnOne.emplace_back(*block);
+    }
+    const auto isGone = [&isOnOne](const SignalRecord& signal) {
+        return std::any_of(isOnOne.begin(), isOnOne.end(),
+                           [&signal](const IsOn& isOn) { return isOn(signal); });
+    };
+    RemovedSignals removed(signals, indicesOf(rh::readSignals(signals), isGone));
+    for (const Block* block : blocks) {
+        renumber(signals, *block, std::vector<int>(block->ports(rh::PortKind::Output).size(), 0));
+    }
+    // Signals on a chart, and beyond the last port, are left.
+    const std::vector<std::size_t> left = indicesOf(rh::readSignals(signals), isGone);
+    for (auto index = left.rbegin(); index != left.rend(); ++index) {
+        removeElement(signals, *index);
+    }
+    return removed;
+}
+
 /// The models that have an editor.
 std::set<const rh::Model*>& editedModels()
 {
@@ -196,57 +222,55 @@ void SignalEditor::follow(const DiagramChange& change)
         zm_hmi::HMIEngineUtils::updateParamsForBlock(change.block->path());
         return;
     }
-    const rh::OwnedValue signals = rh::modelSignals(*m_model);
-    if (change.kind == ChangeKind::OutputsChanged) {
-        followOutputs(signals.get(), change);
-        return;
-    }
-    if (!signals) {
-        return;
-    }
+    const ObserversPair observers = readObservers(*m_model);
+    const nvArray* const signals = observers.signals.get();
+    const nvArray* const clients = observers.clients.get();
     switch (change.kind) {
-        case ChangeKind::BlockAppeared:
-            takeRemoved(change.edit).signals.putBack(signals.get());
+        case ChangeKind::OutputsChanged:
+            followOutputs(signals, clients, change);
             break;
+        case ChangeKind::BlockAppeared: {
+            const Removed removed = takeRemoved(change.edit);
+            if (signals != nullptr) {
+                removed.signals.putBack(signals);
+            }
+            removed.clients.putBack(clients);
+            break;
+        }
         case ChangeKind::BlockVanished:
-            followVanished(signals.get(), change);
+            followVanished(signals, clients, change);
             break;
         case ChangeKind::BlockRenamed:
         case ChangeKind::BlockMoved:
-            zm_hmi::InstrumentedSignals::applyRebindingRules(signals.get(), false);
+            zm_hmi::InstrumentedSignals::applyRebindingRules(signals, false);
             break;
-        case ChangeKind::ModelRenamed:    // the host gives a renamed model its signals under the new name
-        case ChangeKind::OutputsChanged:  // above
-        case ChangeKind::ParameterChanged:
+        case ChangeKind::ModelRenamed:  // the host gives a renamed model its signals under the new name
+            followRename(clients, change);
+            break;
+        case ChangeKind::ParameterChanged:  // above
             break;
     }
 }
 
-void SignalEditor::followVanished(const nvArray* signals, const DiagramChange& change)
+void SignalEditor::followRename(const nvArray* clients, const DiagramChange& change)
 {
-    const std::vector<const Block*> blocks = withContents(*change.block);
-    std::vector<IsOn> isOnOne;
-    isOnOne.reserve(blocks.size());
-    for (const Block* block : blocks) {
-        isOnOne.emplace_back(*block);
+    const Removed former = takeRemoved(change.edit);
+    zm_hmi::StreamingClients::handleModelRename(clients);
+    m_removed.insert_or_assign(change.edit, Removed{{}, RemovedClients::validate(clients)});
+    former.clients.putBack(clients);
+}
+
+void SignalEditor::followVanished(const nvArray* signals, const nvArray* clients, const DiagramChange& change)
+{
+    Removed removed;
+    if (signals != nullptr) {
+        removed.signals = removeSignalsOf(*change.block, signals);
     }
-    const auto isGone = [&isOnOne](const SignalRecord& signal) {
-        return std::any_of(isOnOne.begin(), isOnOne.end(),
-                           [&signal](const IsOn& isOn) { return isOn(signal); });
-    };
-    Removed removed{RemovedSignals(signals, indicesOf(rh::readSignals(signals), isGone)), {}};
-    for (const Block* block : blocks) {
-        renumber(signals, *block, std::vector<int>(block->ports(rh::PortKind::Output).size(), 0));
-    }
-    // What is left is on none of the ports: on a chart, or beyond the last one.
-    const std::vector<std::size_t> left = indicesOf(rh::readSignals(signals), isGone);
-    for (auto index = left.rbegin(); index != left.rend(); ++index) {
-        removeElement(signals, *index);
-    }
+    removed.clients = RemovedClients::validate(clients);
     m_removed.insert_or_assign(change.edit, std::move(removed));
 }
 
-void SignalEditor::followOutputs(const nvArray* signals, const DiagramChange& change)
+void SignalEditor::followOutputs(const nvArray* signals, const nvArray* clients, const DiagramChange& change)
 {
     const Removed former = takeRemoved(change.edit);
     Removed removed;
@@ -257,6 +281,10 @@ void SignalEditor::followOutputs(const nvArray* signals, const DiagramChange& ch
     if (signals != nullptr) {
         former.signals.putBack(signals);
     }
+    if (!removed.signals.isEmpty()) {
+        removed.clients = RemovedClients::validate(clients);
+    }
+    former.clients.putBack(clients);
     m_removed.insert_or_assign(change.edit, std::move(removed));
 }
 
@@ -304,6 +332,27 @@ std::set<double> SignalEditor::badgedBlocks() const
     const rh::OwnedValue name = rh::makeText(m_model->name());
     zm_hmi::InstrumentedSignals::getPortsWithBadges(name.get(), handles);
     return handles;
+}
+
+std::vector<SignalEditor::Observer> SignalEditor::observers() const
+{
+    std::vector<zm_hmi::SignalClientPtr> aligned;
+    const ObserversPair pair = readObservers(*m_model);
+    if (pair.clients) {
+        zm_hmi::StreamingClients::getAlignedObservers(pair.clients.get(), aligned);
+    }
+    const std::u16string& name = m_model->name();
+    std::vector<Observer> observers;
+    for (const zm_hmi::SignalClientPtr& client : aligned) {
+        Observer& observer = observers.emplace_back();
+        std::u16string subPath;
+        observer.uuid = client->getUUID();
+        client->getAlignedBlockPath(name, observer.path, subPath);
+        observer.port = client->getAlignedPortIndex(name);
+        observer.decimation = client->getDecimation(name);
+        observer.maxPoints = client->getMaxPoints(name);
+    }
+    return observers;
 }
 
 }  // namespace editor

@@ -2,6 +2,7 @@
 #define ZM_EDITOR_SIGNAL_EDITOR_HPP
 
 #include "editor/DrawnPorts.hpp"
+#include "editor/RemovedClients.hpp"
 #include "editor/RemovedSignals.hpp"
 #include "hmi/InstrumentedSignals.hpp"
 #include "reference_host/model/EditHistory.hpp"
@@ -21,13 +22,16 @@ namespace editor {
 /// follows the edits of one model, with the instrumented signals in the model's observers parameter:
 ///
 ///   output ports added, deleted, put in order    signals renumbered, those of deleted ports removed
-///   a block gone, with what is in it             its signals removed, those on its chart too
+///   a block gone, with its contents              its signals removed, those on its chart too
 ///   a block renamed or moved                     signals rebound
+///   the model renamed                            the rename announced to the interface manager
 ///   a parameter changed                          announced to the host
 ///
-/// Undo does the opposite, and what an edit removed comes back where it was. The process's map of block
-/// ports to UUIDs follows the ports, with and without signals. Signals that are bound to no handle yet are
-/// bound by path before they are renumbered. Main thread only; the library has to be loaded.
+/// After edits that removed signals or blocks, and after a rename of the model, the host validates the
+/// streaming clients and removes those without a block or signal. Undo does the opposite, and puts back at
+/// its place what an edit removed. The process-wide map of block ports to UUIDs follows the ports, with and
+/// without signals. Signals that are bound to no handle yet are bound by path before they are renumbered.
+/// Main thread only; the library has to be loaded.
 class SignalEditor {
 public:
     using Source = zm_hmi::InstrumentedSignals::Source;
@@ -54,16 +58,33 @@ public:
                                       bool atEveryDepth, bool goneToo) const;
     std::set<double> badgedBlocks() const;
 
+    /// One streaming client with the signal that it observes, as the host aligns them with the diagram.
+    struct Observer {
+        std::string uuid;
+        std::vector<std::u16string>
+            path;      ///< of the observer, then of the observed block; empty for no block
+        int port = 0;  ///< the observed output port, from 1; 0 for none
+        int decimation = 1;
+        int maxPoints = 0;
+    };
+    /// The model's streaming clients, in order. Each signal that the host cannot align gives a warning.
+    std::vector<Observer> observers() const;
+
 private:
-    /// What an edit took away, for its undo.
+    /// Elements that an edit removed, for its undo.
     struct Removed {
         RemovedSignals signals;
-        std::map<std::size_t, std::string> portUUIDs;  // by port number
+        RemovedClients clients{};
+        std::map<std::size_t, std::string> portUUIDs{};  // by port number
     };
 
     void follow(const reference_host::DiagramChange& change);
-    void followVanished(const nvArray* signals, const reference_host::DiagramChange& change);
-    void followOutputs(const nvArray* signals, const reference_host::DiagramChange& change);  // or null
+    // Each takes the collections of the model, or null.
+    void followVanished(const nvArray* signals, const nvArray* clients,
+                        const reference_host::DiagramChange& change);
+    void followOutputs(const nvArray* signals, const nvArray* clients,
+                       const reference_host::DiagramChange& change);
+    void followRename(const nvArray* clients, const reference_host::DiagramChange& change);
     Removed takeRemoved(std::uint64_t edit);
 
     std::shared_ptr<reference_host::Model> m_model;

@@ -1,3 +1,4 @@
+#include "editor/ObserversParameter.hpp"
 #include "editor/SignalEditor.hpp"
 #include "python/Bindings.hpp"
 #include "python/Conversion.hpp"
@@ -96,7 +97,7 @@ void extendModel(const py::object& model)
         [](const ModelPtr& self) { return atEdge([&] { return toPython(self->observers()); }); },
         [](const ModelPtr& self, const py::object& value) {
             const Argument observers(value);
-            atEdge([&] { self->setObservers(observers.get()); });
+            atEdge([&] { editor::storeObservers(*self, observers.get()); });
         },
         "The pair of instrumented signals and streaming clients, or None.");
 }
@@ -185,6 +186,15 @@ private:
     std::unique_ptr<editor::SignalEditor> m_editor;
 };
 
+std::vector<Text> textsOf(const std::vector<std::u16string>& texts)
+{
+    std::vector<Text> all;
+    for (const std::u16string& text : texts) {
+        all.push_back(Text{text});
+    }
+    return all;
+}
+
 void bindSignalEditor(py::module_& module)
 {
     using Source = editor::SignalEditor::Source;
@@ -201,6 +211,16 @@ void bindSignalEditor(py::module_& module)
             "text1", [](const Source& self) { return Text{self.text1}; }, "Path of the block.")
         .def_property_readonly(
             "text2", [](const Source& self) { return Text{self.text2}; }, "What to call it.");
+
+    using Observer = editor::SignalEditor::Observer;
+    py::class_<Observer>(module, "Observer", "One streaming client with the signal that it observes.")
+        .def_readonly("uuid", &Observer::uuid, "UUID of the client.")
+        .def_property_readonly(
+            "path", [](const Observer& self) { return textsOf(self.path); },
+            "Paths of the client and of the observed block as the diagram has them now.")
+        .def_readonly("port", &Observer::port, "Observed output port; 0 for none.")
+        .def_readonly("decimation", &Observer::decimation)
+        .def_readonly("max_points", &Observer::maxPoints);
 
     py::class_<ScriptEditor>(module, "SignalEditor")
         .def(py::init<ModelPtr>(), py::arg("model"))
@@ -240,7 +260,10 @@ void bindSignalEditor(py::module_& module)
                 }
                 return blocks;
             },
-            "The blocks that carry a badge.");
+            "The blocks that carry a badge.")
+        .def(
+            "observers", [](const ScriptEditor& self) { return atEdge([&] { return self->observers(); }); },
+            "The model's streaming clients, aligned with the diagram as it is now.");
 }
 
 }  // namespace
