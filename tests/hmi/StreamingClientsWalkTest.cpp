@@ -3,10 +3,13 @@
 #include "hmi/ModelObservers.hpp"
 #include "hmi/StreamingClients.hpp"
 #include "hmi_foundation/bindings/StreamingClientsCOSClassInfo.hpp"
+#include "host/Text.hpp"
 #include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/ClassReflection.hpp"
 #include "reference_host/classes/ModelObserversClass.hpp"
 #include "reference_host/values/ValueContainers.hpp"
 #include "reference_host/values/ValueMaking.hpp"
+#include "reference_host/values/ValueReading.hpp"
 #include "tests/hmi/ClientsTest.hpp"
 #include "tests/hmi/SignalValues.hpp"
 #include "tests/hmi_foundation/bindings/RecordingClass.hpp"
@@ -14,6 +17,7 @@
 
 #include <algorithm>
 #include <array>
+#include <fstream>
 #include <functional>
 #include <iterator>
 #include <map>
@@ -453,6 +457,63 @@ INSTANTIATE_TEST_SUITE_P(Operations, StreamingClientsWalk,
                              std::erase_if(name, [](char c) { return c == ':' || c == '.'; });
                              return name + std::to_string(test.param);
                          });
+
+// ---- the table is complete ------------------------------------------------------------------------------
+
+std::set<std::string> walkedNames()
+{
+    std::set<std::string> names;
+    for (const Operation<Subject>& operation : everyOperation()) {
+        names.insert(operation.name);
+    }
+    return names;
+}
+
+class StreamingClientsWalkTable : public ClientsTest {};
+
+TEST_F(StreamingClientsWalkTable, HasEachRegisteredMethodAndProperty)
+{
+    const rh::ClassDescription description = rh::describeClass("Zelmar.HMI.StreamingClients");
+    const std::set<std::string> walked = walkedNames();
+    EXPECT_TRUE(walked.contains("StreamingClients." + description.constructor->name));
+    for (const rh::MethodDescription& each : description.methods) {
+        EXPECT_TRUE(walked.contains("StreamingClients." + each.name)) << each.name;
+    }
+    for (const rh::PropertyDescription& each : description.properties) {
+        EXPECT_TRUE(walked.contains("StreamingClients." + each.name)) << each.name;
+    }
+}
+
+/// Exported functions of the walked classes, by name, as the checked-in list has them.
+std::set<std::string> exportedNames()
+{
+    std::ifstream list(ZM_EXPORTS);
+    std::set<std::string> names;
+    for (std::string line; std::getline(list, line);) {
+        std::string name = line.substr(0, line.find('('));
+        const bool isWalked =
+            name.starts_with("zm_hmi::SignalClient::") || name.starts_with("zm_hmi::StreamingClients::") ||
+            name.starts_with("zm_hmi::ModelObservers::") || name.starts_with("zm_hmi::HMIEngineUtils::");
+        if (isWalked && name.find('~') == std::string::npos) {
+            names.insert(name.substr(std::string("zm_hmi::").size()));
+        }
+    }
+    return names;
+}
+
+TEST_F(StreamingClientsWalkTable, HasEachExportedFunction)
+{
+    // These cannot fail; the last two are parts of `isEqual` and of the reading of a record.
+    const std::set<std::string> withoutFailure = {
+        "SignalClient::getStructFields", "SignalClient::getNumStructFields", "SignalClient::hasEqualMembers",
+        "SignalClient::swapFields"};
+    const std::set<std::string> walked = walkedNames();
+    const std::set<std::string> exported = exportedNames();
+    EXPECT_GT(exported.size(), 30U) << "read from " << ZM_EXPORTS;
+    for (const std::string& name : exported) {
+        EXPECT_TRUE(walked.contains(name) || withoutFailure.contains(name)) << name;
+    }
+}
 
 }  // namespace
 }  // namespace zm_hmi
