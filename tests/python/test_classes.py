@@ -62,7 +62,7 @@ def test_help_says_what_each_method_and_property_is_for():
 
 def test_help_of_a_static_method_names_every_argument():
     signature = str(inspect.signature(Zelmar.HMI.InstrumentedSignals.setUUIDForBlock))
-    assert signature == "(block_handle: double scalar, port: uint32 scalar, uuid: asciiString, /)"
+    assert signature == "(block_handle: double scalar, port: uint32 scalar, uuid: asciiString, /) -> None"
 
 
 def test_methods_of_other_classes_have_numbered_arguments():
@@ -102,8 +102,8 @@ def test_read_only_properties_fail_by_assignment_and_ignore_the_host(signals):
 
 
 def test_properties_have_their_type_as_documentation():
-    assert inspect.getdoc(Zelmar.HMI.InstrumentedSignals.Count) == "uint32 scalar, read only"
-    assert inspect.getdoc(Zelmar.HMI.InstrumentedSignals.Persistence) == "any"
+    assert inspect.getdoc(Zelmar.HMI.InstrumentedSignals.Count) == "uint32 scalar, read only\n\nThe number of elements."
+    assert inspect.getdoc(Zelmar.HMI.InstrumentedSignals.Persistence).startswith("any\n\nThe struct array that is saved")
 
 
 def test_properties_may_be_given_by_name():
