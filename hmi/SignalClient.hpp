@@ -88,7 +88,8 @@ public:
     int getMaxPoints(const std::u16string& modelName);
 
     /// Sets `path` to the observer's path followed by the block's current path, and `subPath` to the signal's
-    /// path inside the block. Both are empty when the host gives no path, and after a failure.
+    /// path inside the block. Both are empty when the host gives no path; after a failure they are empty or
+    /// as they were.
     void getAlignedBlockPath(const std::u16string& modelName, std::vector<std::u16string>& path,
                              std::u16string& subPath);
 

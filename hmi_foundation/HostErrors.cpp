@@ -10,7 +10,7 @@ namespace zm_hmi_foundation {
 
 namespace {
 
-// Reached only when a host operation that never returns has returned: nothing sane can follow.
+// Reached only when a host operation that must not return has returned.
 [[noreturn]] void unreachable()
 {
     std::fputs("unreachable\n", stderr);

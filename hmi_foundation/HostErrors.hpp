@@ -7,14 +7,14 @@
 
 namespace zm_hmi_foundation {
 
-/// The message catalog that holds the texts of the library's errors.
+/// The message catalog of the library's errors.
 inline constexpr const char* errorCatalog = "dvx_hmi_foundation:errors";
 
-/// Throws the host exception for a message id of ours.
+/// Throws the host exception for a message id.
 [[noreturn]] void throwHostError(const zmsvMessageId& id);
 
-/// Throws "InvalidElementIndex". Its one argument is the number of elements that the collection holds,
-/// the upper bound of what would have been valid; the index that was asked for is not passed.
+/// Throws "InvalidElementIndex". Its one argument is the number of elements in the collection; the invalid
+/// index is not passed.
 [[noreturn]] void throwInvalidElementIndex(std::size_t elementCount);
 
 /// Throws "NoCollection": an object of one of the host classes has no native collection behind it.

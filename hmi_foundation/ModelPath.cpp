@@ -9,7 +9,7 @@ namespace {
 constexpr const char16_t* pathSeparator = u"/";
 constexpr const char* zidSeparator = ":";
 
-// At least one character must stand behind the prefix: "model/" and "model" are left alone.
+// At least one character must follow the prefix: "model/" and "model" are returned unchanged.
 template <class Text>
 Text removePrefix(const Text& text, const Text& prefix)
 {

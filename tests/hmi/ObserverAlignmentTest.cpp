@@ -353,8 +353,8 @@ TEST_F(ObserverAlignmentTest, AValueOfAnotherClassHasNoClientsBehindIt)
 
 TEST_F(ObserverAlignmentTest, OfAnArrayOfCollectionsTheFirstCounts)
 {
-    const rh::OwnedValue other = rh::ClassObjects::construct("Zelmar.HMI.StreamingClients");
-    const rh::OwnedValue both = rh::ClassObjects::makeObjectArray(
+    const rh::OwnedValue other = rh::ObjectAccess::construct("Zelmar.HMI.StreamingClients");
+    const rh::OwnedValue both = rh::ObjectAccess::makeObjectArray(
         "Zelmar.HMI.StreamingClients",
         {rh::objects(m_object.get()).front(), rh::objects(other.get()).front()});
     clients().setModelName(u"m");

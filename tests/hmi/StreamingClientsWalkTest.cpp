@@ -4,9 +4,9 @@
 #include "hmi/StreamingClients.hpp"
 #include "hmi_foundation/bindings/StreamingClientsCOSClassInfo.hpp"
 #include "host/Text.hpp"
-#include "reference_host/classes/ClassObjects.hpp"
+#include "reference_host/classes/BuiltInClasses.hpp"
 #include "reference_host/classes/ClassReflection.hpp"
-#include "reference_host/classes/ModelObserversClass.hpp"
+#include "reference_host/classes/ObjectAccess.hpp"
 #include "reference_host/values/ValueContainers.hpp"
 #include "reference_host/values/ValueMaking.hpp"
 #include "reference_host/values/ValueReading.hpp"
@@ -51,14 +51,14 @@ ClientValues walkedClient(const std::string& uuid)
 
 /// A collection of two clients, a record of its own, and what the operations take and fill.
 struct Subject {
-    rh::OwnedValue object = rh::ClassObjects::construct("Zelmar.HMI.StreamingClients");
+    rh::OwnedValue object = rh::ObjectAccess::construct("Zelmar.HMI.StreamingClients");
     zm_hmi_foundation::RecordingClass hostClass;
     zm_hmi_foundation::StreamingClientsCOSClassInfo info;
     SignalClientPtr record = makeClient(walkedClient("record"));
     SignalClientPtr same = makeClient(walkedClient("record"));
     rh::OwnedValue clientObject = makeClientObject(walkedClient("object"));
     rh::OwnedValue stored = makePersistedClients({walkedClient("stored 1"), walkedClient("stored 2")});
-    rh::OwnedValue pair = rh::ClassObjects::construct("Zelmar.HMI.ModelObservers");
+    rh::OwnedValue pair = rh::ObjectAccess::construct("Zelmar.HMI.ModelObservers");
     rh::OwnedValue model = rh::makeText(u"plant");
     std::vector<SignalClientPtr> observers{3};
     std::vector<InstrumentedSignals::Source> sources{3};
@@ -442,7 +442,7 @@ private:
         for (const char* uuid : {"a", "b"}) {
             instances.push_back(rh::objects(makeClientObject(clientNamed(uuid)).get()).front());
         }
-        call.setOutput(0, rh::ClassObjects::makeObjectArray("Zelmar.HMI.SignalClient", instances));
+        call.setOutput(0, rh::ObjectAccess::makeObjectArray("Zelmar.HMI.SignalClient", instances));
     }
     static void givePorts(rh::HostFunctionCall& call)
     {
