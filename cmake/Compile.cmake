@@ -37,11 +37,11 @@ function(zm_target target)
     endif()
 endfunction()
 
-# A shared object's so-name has the first two numbers of the version: before 1.0 the second changes with the
-# binary interface (`./dev abi`).
+# A shared object's so-name has the first number of the version, which changes with the binary interface
+# (`./dev abi`).
 function(zm_versioned target)
     set_target_properties(${target} PROPERTIES
         VERSION ${PROJECT_VERSION}
-        SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}
+        SOVERSION ${PROJECT_VERSION_MAJOR}
     )
 endfunction()
