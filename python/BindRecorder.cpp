@@ -200,7 +200,10 @@ void bindVariableRecording(py::module_& module)
         .def_property_readonly("format", [](const Block& self) { return self.context().getFormat(); })
         .def_property_readonly("source_id", [](const Block& self) { return self.context().getSourceID(); })
         .def_property_readonly("decimation", [](const Block& self) { return self.context().getDecimation(); })
-        .def_property_readonly("max_points", [](const Block& self) { return self.context().getMaxPoints(); });
+        .def_property_readonly("max_points", [](const Block& self) { return self.context().getMaxPoints(); })
+        .def_property_readonly(
+            "value", [](const Block& self) { return toPython(self.value()); },
+            "What was recorded so far in the run that is under way, in the shape of the variable.");
 }
 
 void bindTable(py::module_& module)

@@ -16,6 +16,7 @@ void bindFiles(pybind11::module_& module);
 void bindEditor(pybind11::module_& module);
 void bindReports(pybind11::module_& module);
 void bindRecorder(pybind11::module_& module);
+void bindSimulation(pybind11::module_& module);
 
 }  // namespace zmhost
 

@@ -13,6 +13,7 @@ namespace recorder {
 
 namespace {
 
+constexpr std::size_t writtenTogether = 65536;
 constexpr std::size_t longestNumber = 32;  // 17 digits, sign, point and exponent take 24
 
 void appendNumber(std::string& row, double number, std::optional<int> digits)
@@ -51,14 +52,13 @@ void CsvFile::open()
 {
     errno = 0;
     m_out.open(m_path, std::ios::binary | std::ios::trunc);
-    m_row = "time";
+    m_rows = "time";
     for (const Column& column : m_columns) {
-        m_row += ',';
-        appendField(m_row, column.header);
+        m_rows += ',';
+        appendField(m_rows, column.header);
     }
-    m_row += '\n';
-    m_out << m_row;
-    checkWritten();
+    m_rows += '\n';
+    writeRows();
 }
 
 void CsvFile::put(std::size_t column, double value)
@@ -69,32 +69,51 @@ void CsvFile::put(std::size_t column, double value)
 void CsvFile::endRow(double time)
 {
     bool isEmpty = true;
-    m_row.clear();
-    appendNumber(m_row, time, std::nullopt);
+    const std::size_t before = m_rows.size();
+    appendNumber(m_rows, time, std::nullopt);
     for (Column& column : m_columns) {
-        m_row += ',';
+        m_rows += ',';
         if (column.value) {
             isEmpty = false;
-            appendNumber(m_row, *column.value, column.digits);
+            appendNumber(m_rows, *column.value, column.digits);
             column.value.reset();
         }
     }
     if (isEmpty) {
+        m_rows.resize(before);
         return;
     }
-    m_row += '\n';
-    errno = 0;
-    m_out << m_row;
-    checkWritten();
+    m_rows += '\n';
+    if (m_rows.size() >= writtenTogether) {
+        writeRows();
+    }
+}
+
+void CsvFile::flush()
+{
+    if (m_out.is_open() && !m_rows.empty()) {
+        writeRows();
+        m_out.flush();
+        checkWritten();
+    }
 }
 
 void CsvFile::close()
 {
     if (m_out.is_open()) {
         errno = 0;
+        m_out << std::exchange(m_rows, {});
         m_out.close();
         checkWritten();
     }
+}
+
+void CsvFile::writeRows()
+{
+    errno = 0;
+    m_out << m_rows;
+    m_rows.clear();
+    checkWritten();
 }
 
 void CsvFile::checkWritten()
@@ -116,6 +135,13 @@ void CsvFiles::endRow(double time)
 {
     for (auto& [path, file] : m_files) {
         file.endRow(time);
+    }
+}
+
+void CsvFiles::flushAll()
+{
+    for (auto& [path, file] : m_files) {
+        file.flush();
     }
 }
 

@@ -30,6 +30,10 @@ public:
     void put(std::size_t column, double value);
     void endRow(double time);
 
+    /// Rows are collected and written together, whole ones only: a program that is killed leaves the rows up
+    /// to the last `flush`.
+    void flush();
+
     /// Everything is in the file when this returns. A file that was not opened has nothing to close.
     void close();
 
@@ -40,12 +44,13 @@ private:
         std::optional<double> value;
     };
 
+    void writeRows();
     void checkWritten();
 
     std::filesystem::path m_path;
     std::ofstream m_out;
     std::vector<Column> m_columns;
-    std::string m_row;
+    std::string m_rows;  // not written yet
 };
 
 /// The files of one run; recordings into the same file share it.
@@ -54,6 +59,7 @@ public:
     CsvFile& file(const std::filesystem::path& path) { return m_files.try_emplace(path, path).first->second; }
     void openAll();
     void endRow(double time);
+    void flushAll();
 
     /// Closes every file, also after one that fails; then throws what the first of them threw.
     void closeAll();

@@ -37,6 +37,7 @@ constexpr std::array messages{
     Message{"NoOutputPort", "\"{0}\" has no output port {1}."},
     Message{"OtherModel", "{0} records from the model \"{1}\", the replay is of \"{2}\"."},
     Message{"NoValues", "{0}: {1} has no column for the port \"{2}\"."},
+    Message{"NotOneNumber", "{0}: the values of the port \"{1}\" are not single real numbers."},
     Message{"NoTarget", "The recording of \"{0}\" has no {1}."},
     Message{"InvalidDecimation", "{0}: the decimation \"{1}\" is not a whole number from 1."},
     Message{"InvalidMaxPoints",

@@ -5,12 +5,17 @@
 #include "recorder/RecordingRun.hpp"
 
 #include <functional>
+#include <memory>
 
 namespace recorder {
 
 /// Is called when all blocks have recorded a point in time. What it throws ends the replay and reaches
 /// its caller.
 using StepFunction = std::function<void(double time)>;
+
+/// The table as a source of a simulation. Every column must name an output port of the model; see `portsIn`.
+std::unique_ptr<simulation::Source> makeSource(const reference_host::Model& model, const RecordedTable& table,
+                                               bool isLooped);
 
 /// Replays a table over a diagram as its running simulation: for each row in turn the ports that columns
 /// name have the row's values, and the blocks record theirs. Every column must name an output port of

@@ -32,6 +32,9 @@ public:
 
     const streamout::WksRecordingContext& context() const noexcept { return m_context; }
 
+    /// What was recorded in the run that is under way, in the shape of the variable; none recorded, no rows.
+    reference_host::OwnedValue value() const { return makeVariable(m_signal, m_context); }
+
     bool sharesTarget() const noexcept override { return false; }
     void finish() override;
 

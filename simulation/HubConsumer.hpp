@@ -55,6 +55,9 @@ public:
     /// called, with no new time, when buffered samples are delivered because the run pauses or ends.
     virtual void step(const StepTime& time, std::span<const ChannelSamples> samples) = 0;
 
+    /// Called again and again while the run waits for its pace. Must be short.
+    virtual void waiting() {}
+
     /// `error` is empty, or says why the run ended.
     virtual void runStateChanged(RunState /*state*/, const std::string& /*error*/) {}
 };

@@ -283,7 +283,7 @@ std::optional<Sample> Run::Impl::latest(const OutputPort& port) const
         return std::nullopt;
     }
     const auto values = m_values.all().subspan(entry->offset, entry->port.layout.width);
-    return Sample{time->seconds, {values.begin(), values.end()}};
+    return Sample{time->seconds, {values.begin(), values.end()}, entry->port.layout};
 }
 
 std::optional<double> Run::Impl::lastTime() const
@@ -358,7 +358,15 @@ void Run::Impl::doStep(double seconds)
     if (m_options.checkpoint) {
         m_options.checkpoint();
     }
-    pacer.waitFor(seconds, m_options.checkpoint);
+    pacer.waitFor(seconds, [this] {
+        if (m_options.checkpoint) {
+            m_options.checkpoint();
+        }
+        hub.tellWaiting();
+    });
+    if (hub.state() == RunState::Ended) {
+        return;  // stopped while it waited
+    }
     requireOpen();
     refresh();
     if (time && seconds < time->seconds) {

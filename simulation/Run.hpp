@@ -40,7 +40,7 @@ public:
     Run(std::shared_ptr<reference_host::Model> model, Sources sources, RunOptions options = {});
     Run(const Run&) = delete;
     Run& operator=(const Run&) = delete;
-    ~Run();
+    virtual ~Run();
 
     const std::shared_ptr<reference_host::Model>& model() const noexcept;
     ValueHub& hub() noexcept;

@@ -249,10 +249,13 @@ void ValueHub::Impl::share()
 {
     std::erase_if(m_groups, [](const auto& entry) { return entry.second->history.isEmpty(); });
     double needed = 0.0;
+    double fixed = 0.0;
     for (const auto& [key, group] : m_groups) {
         needed += static_cast<double>(group->history.bytesFor(std::get<2>(key)));
+        fixed += static_cast<double>(group->history.bytesFor(0));
     }
-    const double fraction = std::min(1.0, static_cast<double>(m_limits.historyBytes) / std::max(needed, 1.0));
+    const double forRows = static_cast<double>(m_limits.historyBytes) - fixed;
+    const double fraction = std::clamp(forRows / std::max(needed - fixed, 1.0), 0.0, 1.0);
     for (const auto& [key, group] : m_groups) {
         group->history.setRowLimit(
             static_cast<std::size_t>(static_cast<double>(std::get<2>(key)) * fraction));
@@ -470,7 +473,9 @@ std::optional<Sample> ValueHub::latest(ChannelId channel) const
         return std::nullopt;
     }
     const double* const values = slot->group->history.lastValues(slot->column);
-    return Sample{slot->group->history.lastTime(slot->column), {values, values + slot->channel.layout.width}};
+    return Sample{slot->group->history.lastTime(slot->column),
+                  {values, values + slot->channel.layout.width},
+                  slot->channel.layout};
 }
 
 History ValueHub::history(ChannelId channel) const
@@ -525,6 +530,11 @@ void ValueHub::setState(RunState state, const std::string& error)
         m_impl->flushBlocks();
     }
     m_impl->tellAll([&](const auto& subscription) { subscription.consumer->runStateChanged(state, error); });
+}
+
+void ValueHub::tellWaiting()
+{
+    m_impl->tellAll([](const auto& subscription) { subscription.consumer->waiting(); });
 }
 
 void ValueHub::onShortened(std::function<void(const std::string& message)> report)

@@ -28,6 +28,7 @@ struct HubLimits {
 struct Sample {
     double time = 0.0;
     std::vector<double> values;
+    ValueLayout layout;
 };
 
 /// The samples that the hub has of a channel, oldest first: a copy, which later steps do not change.
@@ -115,6 +116,9 @@ public:
 
     /// Delivers what buffered channels have collected, and tells of the new state.
     void setState(RunState state, const std::string& error = {});
+
+    /// Tells the consumers that the run waits for its pace.
+    void tellWaiting();
 
     /// Is called, once, when the histories do not fit into `historyBytes` and are shortened.
     void onShortened(std::function<void(const std::string& message)> report);

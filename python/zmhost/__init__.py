@@ -34,8 +34,9 @@ from zmhost._errors import ElementIndexError, FileError, HostError, HostWarning,
 from zmhost._recording import FileRecording, VariableRecording, replay, workspace
 from zmhost._record import record
 from zmhost._reports import Journal, Ledger, WarningSink, journal, ledger, log_host_calls
+from zmhost._simulation import History, simulate
 from zmhost._values import CellArray, Matrix, Struct, StructArray
-from zmhost._zmhost import Block, Chart, ChartObject, Connection, Model, Port, Recording, Value
+from zmhost._zmhost import Block, Channel, Chart, ChartObject, Client, Connection, Model, Port, Recording, Run, Value
 from zmhost._zmhost import active_recordings, models
 
 if TYPE_CHECKING:
@@ -46,12 +47,15 @@ __version__ = _location.VERSION
 __all__ = [
     "Block",
     "CellArray",
+    "Channel",
     "Chart",
     "ChartObject",
+    "Client",
     "Connection",
     "ElementIndexError",
     "FileError",
     "FileRecording",
+    "History",
     "HostError",
     "HostObject",
     "HostWarning",
@@ -64,6 +68,7 @@ __all__ = [
     "ObjectArray",
     "Port",
     "Recording",
+    "Run",
     "Struct",
     "StructArray",
     "Value",
@@ -86,6 +91,7 @@ __all__ = [
     "remove_host_function",
     "replay",
     "set_property",
+    "simulate",
     "warnings",
     "workspace",
 ]

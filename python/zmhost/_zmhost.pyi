@@ -2,7 +2,7 @@
 
 import enum
 import os
-from collections.abc import Callable, Sequence
+from collections.abc import Callable, Iterable, Sequence
 from types import TracebackType
 from typing import Any
 
@@ -123,6 +123,20 @@ class Model:
     @observers.setter
     def observers(self, value: Any) -> None: ...
     def close(self) -> None: ...
+    def simulate(
+        self,
+        source: Any,
+        *,
+        pace: float | None = None,
+        step: float | None = None,
+        start: float = 0.0,
+        stop: float | None = None,
+        loop: bool = False,
+        record: Iterable[Recording] = (),
+        allow_nan: bool = False,
+        history_bytes: int = ...,
+        progress: bool | None = None,
+    ) -> Run: ...
     def __enter__(self) -> Model: ...
     def __exit__(
         self, kind: type[BaseException] | None, error: BaseException | None, trace: TracebackType | None
@@ -281,6 +295,9 @@ class VariableRecording(Recording):
     def decimation(self) -> str: ...
     @property
     def max_points(self) -> str: ...
+    @property
+    def value(self) -> Any:
+        """What was recorded so far in the run that is under way, in the shape of the variable."""
 
 class RecordedTable:
     """The result of a simulation, row by row."""
@@ -307,6 +324,135 @@ def recorded_port_name(port: Port) -> str:
 
 def active_recordings() -> list[Recording]:
     """The recordings of the replays that run now."""
+
+class Channel:
+    """An instrumented signal as a run has it."""
+
+    @property
+    def id(self) -> int: ...
+    @property
+    def uuid(self) -> str: ...
+    @property
+    def label(self) -> str:
+        """The signal's name, else the port's."""
+
+    @property
+    def block_path(self) -> str: ...
+    @property
+    def port_name(self) -> str: ...
+    @property
+    def port_number(self) -> int:
+        """From 1; 0 for a chart item."""
+
+    @property
+    def decimation(self) -> int: ...
+    @property
+    def max_points(self) -> int: ...
+    @property
+    def is_hidden(self) -> bool: ...
+    @property
+    def is_bound(self) -> bool:
+        """Whether the diagram has the port."""
+
+    @property
+    def has_source(self) -> bool:
+        """Whether a source gives its values."""
+
+class Client:
+    """A streaming client, resolved for a run."""
+
+    @property
+    def uuid(self) -> str: ...
+    @property
+    def observer_type(self) -> str: ...
+    @property
+    def title(self) -> str: ...
+    @property
+    def channel(self) -> int | None:
+        """The number of its channel; None when unbound."""
+
+    @property
+    def signal_uuid(self) -> str: ...
+    @property
+    def port_number(self) -> int: ...
+    @property
+    def aligned_path(self) -> list[str]: ...
+    @property
+    def update_rate(self) -> int: ...
+
+class Numbers(memoryview):
+    """Numbers that numpy takes without a copy."""
+
+    def __len__(self) -> int: ...
+
+class Source:
+    """What computes output ports; for one run."""
+
+class Run:
+    """A simulation of a model, step by step."""
+
+    def __iter__(self) -> Run: ...
+    def __next__(self) -> float: ...
+    def __enter__(self) -> Run: ...
+    def __exit__(
+        self, kind: type[BaseException] | None, error: BaseException | None, trace: TracebackType | None
+    ) -> None: ...
+    def step(self) -> bool:
+        """Does one step, also while the run pauses; False when there is none left."""
+
+    def finish(self) -> None:
+        """Steps until the run ends or pauses."""
+
+    def pause(self) -> None:
+        """Ends a loop over the run after this step; the run can go on."""
+
+    def resume(self) -> None: ...
+    def stop(self) -> None:
+        """Ends the run."""
+
+    def latest(self, what: Any) -> Any: ...
+    def history(self, what: Any, leaf: str = "") -> Any: ...
+    @property
+    def model(self) -> Model: ...
+    @property
+    def state(self) -> str: ...
+    @property
+    def error(self) -> str:
+        """Why the run ended early; empty when it did not."""
+
+    @property
+    def time(self) -> float | None:
+        """The time of the last step; None before the first."""
+
+    @property
+    def pace(self) -> float | None: ...
+    @pace.setter
+    def pace(self, pace: float | None) -> None: ...
+    @property
+    def channels(self) -> list[Channel]: ...
+    @property
+    def clients(self) -> list[Client]: ...
+    def channel_of_uuid(self, uuid: str) -> Channel | None: ...
+    def channel_of_port(self, port: Port) -> Channel | None: ...
+    def latest_of_channel(self, channel: int) -> Any: ...
+    def latest_of_port(self, port: Port) -> Any: ...
+    def history_of_channel(self, channel: int, leaf: str) -> tuple[Numbers, Numbers]: ...
+
+def table_source(model: Model, table: RecordedTable, loop: bool) -> Source: ...
+def script_source(
+    model: Model, block: Block | None, function: Callable[..., object], takes_inputs: bool, allow_nan: bool
+) -> Source: ...
+def make_run(
+    model: Model,
+    sources: Sequence[Source],
+    start: float,
+    step: float | None,
+    stop: float | None,
+    pace: float | None,
+    history_bytes: int,
+    recordings: Sequence[Recording],
+    progress: Callable[[str], object] | None,
+) -> Run: ...
 
 class ReportedWarning:
     """A warning that the host has shown."""
