@@ -17,6 +17,7 @@ void bindEditor(pybind11::module_& module);
 void bindReports(pybind11::module_& module);
 void bindRecorder(pybind11::module_& module);
 void bindSimulation(pybind11::module_& module);
+void bindLive(pybind11::module_& module);
 
 }  // namespace zmhost
 

@@ -73,6 +73,7 @@ PYBIND11_MODULE(_zmhost, module)
     zmhost::bindReports(module);
     zmhost::bindRecorder(module);
     zmhost::bindSimulation(module);
+    zmhost::bindLive(module);
     module.def("load_library", loadLibrary, py::arg("path"), py::arg("entry_point"));
     zmhost::bindToHostThread(module);
     module.def("shut_down", shutDown, py::arg("exit_code"));  // from wherever Python ends

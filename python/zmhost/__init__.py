@@ -31,6 +31,7 @@ from zmhost._argument_errors import word_argument_errors
 from zmhost._classes import HostObject, Namespace, ObjectArray
 from zmhost._files import open_model
 from zmhost._errors import ElementIndexError, FileError, HostError, HostWarning, MissingFileError, ValueTypeError
+from zmhost._live import LiveServer, Publisher
 from zmhost._recording import FileRecording, VariableRecording, replay, workspace
 from zmhost._record import record
 from zmhost._reports import Journal, Ledger, WarningSink, journal, ledger, log_host_calls
@@ -61,12 +62,14 @@ __all__ = [
     "HostWarning",
     "Journal",
     "Ledger",
+    "LiveServer",
     "Matrix",
     "MissingFileError",
     "Model",
     "Namespace",
     "ObjectArray",
     "Port",
+    "Publisher",
     "Recording",
     "Run",
     "Struct",

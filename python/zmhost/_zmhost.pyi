@@ -412,6 +412,30 @@ class Run:
 
     def latest(self, what: Any) -> Any: ...
     def history(self, what: Any, leaf: str = "") -> Any: ...
+    def serve(
+        self,
+        port: int = 0,
+        *,
+        address: str = "127.0.0.1",
+        origins: Iterable[str] = (),
+        token: str = "",
+        certificate: str | os.PathLike[str] = "",
+        key: str | os.PathLike[str] = "",
+        stuck_seconds: float = 30,
+    ) -> Any: ...
+    def publish(
+        self,
+        url: str,
+        *,
+        tls: bool | str | os.PathLike[str] | None = None,
+        certificate: str | os.PathLike[str] = "",
+        key: str | os.PathLike[str] = "",
+        user: str = "",
+        password: str = "",
+        version: str = "5",
+        max_waiting: int = 500_000,
+        first_pause: float = 0.5,
+    ) -> Any: ...
     @property
     def model(self) -> Model: ...
     @property
@@ -561,3 +585,71 @@ class SignalEditor:
     def observers(self) -> list[Observer]: ...
 
 def take_editor_events() -> list[tuple[str, str]]: ...
+
+class LiveServer:
+    """Serves a run's values to browsers and viewers."""
+
+    def __init__(
+        self,
+        run: Run,
+        address: str,
+        port: int,
+        origins: list[str],
+        token: str,
+        certificate: str | os.PathLike[str],
+        key: str | os.PathLike[str],
+        page: str | os.PathLike[str],
+        stuck_seconds: float,
+    ) -> None: ...
+    def close(self) -> None:
+        """Disconnects all viewers and ends the server."""
+
+    @property
+    def is_open(self) -> bool: ...
+    @property
+    def port(self) -> int: ...
+    @property
+    def url(self) -> str:
+        """Where a browser finds the page."""
+
+    @property
+    def counts(self) -> dict[str, int]:
+        """viewers, connections, messages, merged values and disconnections so far."""
+
+class Publisher:
+    """Publishes a run's values on a broker."""
+
+    def __init__(
+        self,
+        run: Run,
+        host: str,
+        port: int,
+        prefix: str,
+        is_version_5: bool,
+        user: str,
+        password: str,
+        use_tls: bool,
+        authorities: str | os.PathLike[str],
+        certificate: str | os.PathLike[str],
+        key: str | os.PathLike[str],
+        max_waiting: int,
+        first_pause: float,
+    ) -> None: ...
+    def close(self) -> None:
+        """Publishes what waits, for two seconds at most, and disconnects."""
+
+    @property
+    def is_open(self) -> bool: ...
+    @property
+    def is_connected(self) -> bool: ...
+    @property
+    def connections(self) -> int: ...
+    @property
+    def sent(self) -> int: ...
+    @property
+    def dropped(self) -> int: ...
+    @property
+    def waiting(self) -> int: ...
+    @property
+    def error(self) -> str:
+        """Why there is no connection; empty when there is one."""
