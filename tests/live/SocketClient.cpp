@@ -106,9 +106,10 @@ void SocketClient::sendFrame(int opcode, const std::string& data) const
     std::string frame(1, static_cast<char>(0x80 | opcode));
     if (data.size() < 126) {
         frame += static_cast<char>(0x80 | data.size());
-    } else {
-        frame += static_cast<char>(0x80 | 127);
-        for (int shift = 56; shift >= 0; shift -= 8) {
+    } else {  // the shortest form is the only one that is allowed
+        const bool isLong = data.size() > 0xffff;
+        frame += static_cast<char>(0x80 | (isLong ? 127 : 126));
+        for (int shift = isLong ? 56 : 8; shift >= 0; shift -= 8) {
             frame += static_cast<char>(data.size() >> shift & 0xff);
         }
     }

@@ -77,7 +77,8 @@ class Viewer:
 
     def send(self, **message: Any) -> None:
         data = json.dumps(message).encode()
-        self.socket.sendall(bytes([0x81, 0x80 | 127]) + struct.pack(">Q", len(data)) + bytes(4) + data)
+        size = bytes([0x80 | len(data)]) if len(data) < 126 else struct.pack(">BH", 0x80 | 126, len(data))
+        self.socket.sendall(b"\x81" + size + bytes(4) + data)
 
     def receive(self) -> tuple[int, bytes]:
         """The operation code and the data of the next frame; 8 when the connection is closed."""

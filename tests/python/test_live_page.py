@@ -151,7 +151,7 @@ def test_the_page_is_usable_by_keyboard_and_screen_reader(served, browser):
     for _ in range(12):
         browser.switch_to.active_element.send_keys(keys.TAB)
         reached.append(browser.execute_script("return document.activeElement.dataset.uuid || document.activeElement.id"))
-    assert len([each for each in reached if "-Gewächshaus:" in each]) == 4
+    assert len({each for each in reached if "-Gewächshaus:" in each}) == 4
     assert "diagram" in reached
     meter = browser.execute_script(
         "const m = document.querySelector('[role=meter]'); return [...m.getAttributeNames()].filter((n) => n.startsWith('aria'))"
