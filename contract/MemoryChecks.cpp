@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <fstream>
+#include <initializer_list>
 #include <limits>
 #include <memory>
 
@@ -57,7 +58,7 @@ ZM_CHECK(blocksAreZeroFilled, "nvAllocateZeroed", "A new block is filled with ze
 
 ZM_CHECK(blocksAreAligned, "nvAllocateZeroed", "A block is aligned for any object.")
 {
-    for (const std::size_t size : {1, 8, 24, 100}) {
+    for (const auto size : std::initializer_list<std::size_t>{1, 8, 24, 100}) {
         void* block = nvAllocateZeroed(size);
         expectEqual(reinterpret_cast<std::uintptr_t>(block) % alignof(std::max_align_t), std::size_t{0});
         nvFree(block);
