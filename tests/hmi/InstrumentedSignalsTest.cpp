@@ -415,6 +415,7 @@ TEST_F(InstrumentedSignalsTest, EqualCollectionsHaveEqualElementsInOrder)
     InstrumentedSignals one;
     InstrumentedSignals other;
     EXPECT_TRUE(one.isEqual(&other)) << "both empty";
+    EXPECT_FALSE(one.isEqual(nullptr));
     addPorts(one, {u"A", u"B"});
     EXPECT_FALSE(one.isEqual(&other)) << "counts differ";
     addPorts(other, {u"A", u"B"});

@@ -48,6 +48,13 @@ TEST_F(SignalSpecificationTest, ACloneIsARecordOfItsOwn)
 
 // ---- isEqual ------------------------------------------------------------------------------------
 
+TEST(SignalSpecificationIsEqual, NullIsNeitherEqualNorTheSameSignal)
+{
+    const SignalSpecification record;
+    EXPECT_FALSE(record.isEqual(nullptr));
+    EXPECT_FALSE(record.isSameSignal(nullptr));
+}
+
 struct Change {
     std::string name;
     std::function<void(SignalValues&)> make;
