@@ -415,9 +415,12 @@ const std::set<std::string> keepingOperations = {
     "SignalClient::renameModel",
 };
 
-/// A host that answers that the parameters have no field "ModelName" has them left as they are.
-const std::set<std::string> renamingOperations = {"StreamingClients.StreamingClients",
-                                                  "StreamingClients.Model", "StreamingClients::setModelName"};
+/// For these a null from the host means that a field or property is missing: a record then has an empty
+/// member, and parameters without the field "ModelName" stay as they are.
+const std::set<std::string> acceptingNull = {
+    "StreamingClients.add",   "StreamingClients.set",           "StreamingClients.StreamingClients",
+    "StreamingClients.Model", "StreamingClients::setModelName", "StreamingClients::setFromPersistenceData",
+};
 
 std::vector<Operation<Subject>> everyOperation()
 {
