@@ -7,7 +7,7 @@
 
 /// The methods and properties of the two host classes, one row each, in the order of registration. The
 /// bindings register names and types from it; names of arguments and help are for people, and the build
-/// writes them to a file for whoever documents the classes (python/help/WriteHelp.cpp).
+/// writes them to a file for whoever documents the classes (hmi_foundation/help/WriteHelp.cpp).
 namespace zm_hmi_foundation {
 
 /// The names by which signatures and properties refer to the host's types.

@@ -9,7 +9,7 @@ import re
 import sys
 
 # The rooms of each tower with their floors. A room that is not listed is an error.
-LIBRARY = {"hmi_foundation": 1, "hmi": 2, "streamout": 2, "hmi_foundation/bindings": 3}
+LIBRARY = {"hmi_foundation": 1, "hmi": 2, "streamout": 2, "hmi_foundation/bindings": 3, "hmi_foundation/help": 4}
 REFERENCE_HOST = {
     "reference_host": 0,
     "reference_host/support": 1,
