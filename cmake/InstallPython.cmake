@@ -14,5 +14,6 @@ install(TARGETS zm_python LIBRARY DESTINATION ${ZM_PYTHON_DIR}/zmhost COMPONENT 
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/python/zmhost/ DESTINATION ${ZM_PYTHON_DIR}/zmhost COMPONENT tools
     FILES_MATCHING PATTERN "*.py" PATTERN "*.pyi" PATTERN "py.typed" PATTERN "__pycache__" EXCLUDE
 )
+install(FILES ${PROJECT_BINARY_DIR}/python/zmhost/_help.json DESTINATION ${ZM_PYTHON_DIR}/zmhost COMPONENT tools)
 install(FILES ${PROJECT_BINARY_DIR}/package/_location.py DESTINATION ${ZM_PYTHON_DIR}/zmhost COMPONENT tools)
 install(PROGRAMS ${PROJECT_BINARY_DIR}/package/zmhost TYPE BIN COMPONENT tools)
