@@ -321,7 +321,7 @@ void bindRun(py::module_& module)
 void bindSimulation(py::module_& module)
 {
     bindPlainData(module);
-    py::class_<NewSource, SourceHandle>(module, "Source", "What computes output ports; for one run.");
+    py::class_<NewSource, SourceHandle>(module, "RunSource", "What computes output ports; for one run.");
     bindRun(module);
     module.def("table_source", makeTableSource, py::arg("model"), py::arg("table"), py::arg("loop"));
     module.def("script_source", makeScriptSource, py::arg("model"), py::arg("block"), py::arg("function"),

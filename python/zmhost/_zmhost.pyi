@@ -385,7 +385,7 @@ class Numbers(memoryview):
 
     def __len__(self) -> int: ...
 
-class Source:
+class RunSource:
     """What computes output ports; for one run."""
 
 class Run:
@@ -462,13 +462,13 @@ class Run:
     def latest_of_port(self, port: Port) -> Any: ...
     def history_of_channel(self, channel: int, leaf: str) -> tuple[Numbers, Numbers]: ...
 
-def table_source(model: Model, table: RecordedTable, loop: bool) -> Source: ...
+def table_source(model: Model, table: RecordedTable, loop: bool) -> RunSource: ...
 def script_source(
     model: Model, block: Block | None, function: Callable[..., object], takes_inputs: bool, allow_nan: bool
-) -> Source: ...
+) -> RunSource: ...
 def make_run(
     model: Model,
-    sources: Sequence[Source],
+    sources: Sequence[RunSource],
     start: float,
     step: float | None,
     stop: float | None,
