@@ -17,3 +17,12 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/python/zmhost/ DESTINATION ${ZM_PYTHON_D
 install(FILES ${PROJECT_BINARY_DIR}/python/zmhost/_help.json DESTINATION ${ZM_PYTHON_DIR}/zmhost COMPONENT tools)
 install(FILES ${PROJECT_BINARY_DIR}/package/_location.py DESTINATION ${ZM_PYTHON_DIR}/zmhost COMPONENT tools)
 install(PROGRAMS ${PROJECT_BINARY_DIR}/package/zmhost TYPE BIN COMPONENT tools)
+
+# The web page of live values, with what ./dev live has brought from npm.
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/live/page/ DESTINATION ${ZM_PYTHON_DIR}/zmhost/page COMPONENT tools
+    FILES_MATCHING PATTERN *.html PATTERN *.js PATTERN *.css PATTERN *.svg
+)
+install(FILES ${PROJECT_BINARY_DIR}/python/zmhost/page/uPlot.iife.min.js
+    ${PROJECT_BINARY_DIR}/python/zmhost/page/uPlot.min.css
+    DESTINATION ${ZM_PYTHON_DIR}/zmhost/page COMPONENT tools OPTIONAL
+)
