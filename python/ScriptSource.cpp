@@ -207,8 +207,15 @@ void ScriptSource::advance(double time, const simulation::InputValues& inputs)
         throw simulation::simulationError("Ended", {});
     }
     const py::object function = m_function;  // a run that is stopped inside lets go of it
-    const py::object result = m_takesInputs ? function(time, inputDict(inputs)) : function(time);
-    take(result);
+    try {
+        take(m_takesInputs ? function(time, inputDict(inputs)) : function(time));
+    } catch (py::error_already_set& error) {
+        // On its way through native code the exception keeps only what it holds itself.
+        if (error.value() && error.trace()) {
+            PyException_SetTraceback(error.value().ptr(), error.trace().ptr());
+        }
+        throw;
+    }
 }
 
 void ScriptSource::write(std::span<double> values)

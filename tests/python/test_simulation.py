@@ -303,5 +303,5 @@ def test_progress_is_shown(model, capfd):
 def test_the_example_reads_the_latest_value_in_the_loop(run):
     done = run(PROJECT / "examples" / "simulation.py")
     assert done.returncode == 0, done.stderr
-    assert "04:00   air  14." in done.stdout
+    assert "04:00   air  13.5" in done.stdout
     assert "97 samples were kept" in done.stdout
