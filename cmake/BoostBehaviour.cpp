@@ -9,10 +9,10 @@
 #include <boost/uuid/random_generator.hpp>
 #include <boost/version.hpp>
 
+#include <fcntl.h>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <fcntl.h>
 #include <string>
 
 namespace {

@@ -44,7 +44,7 @@ def rows_a_second(table: Path) -> float:
 def port_named(model: zmhost.Model, column: str) -> zmhost.Port | None:
     try:
         return model.port(column)
-    except zmhost.HostError:
+    except LookupError:
         return None
 
 

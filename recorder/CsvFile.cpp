@@ -52,6 +52,7 @@ void CsvFile::open()
 {
     errno = 0;
     m_out.open(m_path, std::ios::binary | std::ios::trunc);
+    checkWritten();
     m_rows = "time";
     for (const Column& column : m_columns) {
         m_rows += ',';

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t chunkBytes = std::size_t{1} << 20;
 constexpr std::size_t firstChunkRows = 16;
-constexpr std::size_t chunksInLimit = 16;  // at least: a group may take two chunks beyond its limit
+constexpr std::size_t chunksInLimit = 16;  // at least: a group may take three chunks beyond its limit
 
 }  // namespace
 
@@ -123,9 +123,11 @@ void HistoryGroup::copy(Column column, std::vector<double>& times, std::vector<d
     }
 }
 
+/// Beyond the rows of the limit a group holds part of its oldest chunk, part of its newest, and one out of
+/// use.
 std::size_t HistoryGroup::bytesFor(std::size_t rows) const noexcept
 {
-    return (rows + 2 * (rows / chunksInLimit + 1)) * (m_rowWidth + 1) * sizeof(double);
+    return (rows + 3 * (rows / chunksInLimit + 1)) * (m_rowWidth + 1) * sizeof(double);
 }
 
 std::size_t HistoryGroup::bytes() const noexcept

@@ -61,7 +61,7 @@ def run(*command, **options):
 
 
 def install_files(cmake, build, work):
-    root = work / "with a space, größe"
+    root = work / "with a space and größe"
     run(cmake, "--install", build, "--prefix", root)
     return root
 

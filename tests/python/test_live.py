@@ -7,6 +7,7 @@ import socket
 import subprocess
 import sys
 import urllib.error
+import time
 import urllib.request
 
 import pytest
@@ -175,8 +176,12 @@ def test_an_error_in_the_source_is_shown_and_the_server_goes_on(observed):
         with pytest.raises(ZeroDivisionError):
             for _ in run:
                 pass
-        with urllib.request.urlopen(server.url + "scene.json") as scene:
-            assert b"the source fails" in scene.read()
+        scene = b""
+        end = time.monotonic() + 30  # the server's own thread takes the news
+        while b"the source fails" not in scene and time.monotonic() < end:
+            with urllib.request.urlopen(server.url + "scene.json") as answer:
+                scene = answer.read()
+        assert b"the source fails" in scene
 
 
 def test_closing_twice_and_closing_the_model_first_are_harmless():

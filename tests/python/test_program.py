@@ -15,7 +15,7 @@ LEAK = """
 import ctypes, zmhost
 from zmhost import Zelmar
 Zelmar.HMI
-host = ctypes.CDLL("libzm_reference_host.so")
+host = ctypes.CDLL("libzm_reference_host.so.0")
 make = host._Z20nvCreateDoubleScalard
 make.argtypes, make.restype = [ctypes.c_double], ctypes.c_void_p
 make(2.5)
