@@ -64,13 +64,14 @@ bool hasEveryNameTwice(std::string_view bytes, zip_t* archive)
     return true;
 }
 
-/// A source that owns a copy: libzip 1.7.3 frees the memory of one that is changed, whoever owns it.
+/// A source that owns a copy: libzip 1.7.3 frees the memory of one that is changed, whoever owns it. It does
+/// not free an empty buffer, so an empty source has none.
 ZipSource ownedSource(std::string_view bytes)
 {
     Error error;
-    std::unique_ptr<void, decltype(&std::free)> copy(std::malloc(std::max<std::size_t>(bytes.size(), 1)),
+    std::unique_ptr<void, decltype(&std::free)> copy(bytes.empty() ? nullptr : std::malloc(bytes.size()),
                                                      std::free);
-    if (copy == nullptr) {
+    if (copy == nullptr && !bytes.empty()) {
         zmsvThrowOutOfMemory();
     }
     std::copy(bytes.begin(), bytes.end(), static_cast<char*>(copy.get()));
